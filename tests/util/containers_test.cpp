@@ -1,0 +1,219 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/host/machine.h"
+#include "platform/win32.h"
+#include "tests/support/test_folder.h"
+#include "util/library.h"
+#include "util/profile_text.h"
+#include "util/record_array.h"
+#include "util/registry.h"
+#include "util/string_list.h"
+
+namespace hostscope {
+namespace {
+
+class Containers : public testing::Test {
+ protected:
+  host::Machine machine_;
+  host::UseMachine use_{machine_};
+};
+
+std::vector<std::string> Elements(const StringList& list) {
+  std::vector<std::string> elements;
+  for (int i = 0; i < list.count(); ++i)
+    elements.emplace_back(list.Get(i));
+  return elements;
+}
+
+TEST_F(Containers, StringListKeepsOrderAndOwnsItsTexts) {
+  const auto open_before = machine_.handles.OpenObjects();
+  {
+    StringList list;
+    EXPECT_EQ(list.Append("lost"), -1);
+    ASSERT_TRUE(list.Create());
+    std::vector<std::string> expected;
+    for (int i = 0; i < 35; ++i) {
+      std::string text = "text " + std::to_string(i % 7);
+      EXPECT_EQ(list.Append(text.c_str()), i);
+      expected.push_back(text);
+    }
+    EXPECT_EQ(Elements(list), expected);
+    EXPECT_EQ(list.Get(-1), nullptr);
+    EXPECT_EQ(list.Get(35), nullptr);
+    list.Destroy();
+    list.Destroy();
+    EXPECT_FALSE(list.present());
+    ASSERT_TRUE(list.Create());
+    EXPECT_EQ(list.Append("released by the owner's end"), 0);
+  }
+  EXPECT_EQ(machine_.handles.OpenObjects(), open_before);
+}
+
+TEST_F(Containers, StringListWithoutMemoryStaysAsItWas) {
+  StringList list;
+  ASSERT_TRUE(list.Create());
+  for (int i = 0; i < 10; ++i)
+    list.Append("x");
+  const auto open_before = machine_.handles.OpenObjects();
+  machine_.faults.FailNth("HeapReAlloc", 1, ERROR_NOT_ENOUGH_MEMORY);
+  EXPECT_EQ(list.Append("no room in the list"), -1);
+  machine_.faults.FailNth("HeapAlloc", 1, ERROR_NOT_ENOUGH_MEMORY);
+  EXPECT_EQ(list.Append("no room for the copy"), -1);
+  EXPECT_EQ(machine_.handles.OpenObjects(), open_before);
+  EXPECT_EQ(list.count(), 10);
+  EXPECT_EQ(list.Append("y"), 10);
+}
+
+TEST_F(Containers, StringListSortsAsThePlatformCompares) {
+  StringList list;
+  ASSERT_TRUE(list.Create());
+  for (const char* text : {"ws2_32", "coop", "B.dll", "co-op", "a.dll", "10.dll", "a.dll", "A.dll"})
+    list.Append(text);
+  list.Sort();
+  EXPECT_EQ(Elements(list), (std::vector<std::string>{"10.dll", "a.dll", "a.dll", "A.dll", "B.dll",
+                                                      "coop", "co-op", "ws2_32"}));
+}
+
+TEST_F(Containers, RecordArrayCopiesRecordsOfOneSize) {
+  struct Record {
+    char bytes[539];
+  };
+  RecordArray array;
+  Record record = {};
+  EXPECT_EQ(array.Append(&record), -1);
+  EXPECT_FALSE(array.Create(0));
+  ASSERT_TRUE(array.Create(sizeof(Record)));
+  for (int i = 0; i < 25; ++i) {
+    record.bytes[0] = record.bytes[538] = static_cast<char>(i);
+    EXPECT_EQ(array.Append(&record), i);
+  }
+  for (int i = 0; i < 25; ++i) {
+    EXPECT_EQ(array.GetAs<Record>(i)->bytes[0], i);
+    EXPECT_EQ(array.GetAs<Record>(i)->bytes[538], i);
+  }
+  EXPECT_EQ(array.Get(25), nullptr);
+  array.Destroy();
+  EXPECT_EQ(array.count(), 0);
+  EXPECT_EQ(array.Get(0), nullptr);
+}
+
+TEST_F(Containers, SectionBodies) {
+  test::TestFolder folder;
+  struct Row {
+    const char* what;
+    std::string_view file;
+    const char* name;
+    const char* expected;  // null: no such section
+  };
+  using namespace std::literals;
+  const Row rows[] = {
+      {"last section, without its final line break", "[A]\r\nx=1\r\n[MESSAGE]\r\none\r\ntwo\r\n"sv,
+       "MESSAGE", "one\r\ntwo"},
+      {"between sections", "[MESSAGE]\r\none\r\n\r\n[B]\r\n"sv, "MESSAGE", "one\r\n"},
+      {"ends at any bracket", "[MESSAGE]\r\nsee [here]\r\n"sv, "MESSAGE", "see "},
+      {"lower case header", "[message]\r\none\r\n"sv, "MESSAGE", nullptr},
+      {"blank in the brackets", "[ MESSAGE ]\r\none\r\n"sv, "MESSAGE", nullptr},
+      {"name inside an earlier text", "[A]\r\nx=[MESSAGE]!!\r\n[MESSAGE]\r\none\r\n"sv, "MESSAGE",
+       "\r\n"},
+      {"header at the end", "[MESSAGE]"sv, "MESSAGE", ""},
+      {"one character behind the header", "[MESSAGE]x"sv, "MESSAGE", "x"},
+      {"line break only", "[MESSAGE]\r\n"sv, "MESSAGE", ""},
+      {"next header at once", "[MESSAGE]\r\n[B]"sv, "MESSAGE", ""},
+      {"a lone line feed is dropped", "[MESSAGE]\r\none\n[B]"sv, "MESSAGE", "one"},
+      {"a zero byte ends the text", "[A]\0[MESSAGE]\r\none"sv, "MESSAGE", nullptr},
+      {"empty file", ""sv, "MESSAGE", nullptr},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.what);
+    folder.Write("p.ini", row.file);
+    const OwnedText body = ProfileText::Load(folder.PathOf("p.ini").c_str()).SectionBody(row.name);
+    EXPECT_EQ(body.present(), row.expected != nullptr);
+    if (row.expected != nullptr) {
+      EXPECT_STREQ(body.c_str(), row.expected);
+    }
+  }
+  EXPECT_FALSE(ProfileText::Load(folder.PathOf("none.ini").c_str()).present());
+  EXPECT_FALSE(ProfileText::Load(folder.path().c_str()).present());
+}
+
+TEST_F(Containers, RegistryValues) {
+  const auto open_before = machine_.handles.OpenObjects();
+  machine_.registry.SetValue("HKLM\\Software\\Test", "bytes", REG_BINARY, "abc");
+  machine_.registry.SetText("HKLM\\Software\\Test", "", "default");
+  machine_.registry.SetValue("HKLM\\Software\\Test", "empty", REG_SZ, "");
+  const auto read = [](const char* subkey, const char* name) {
+    return ReadRegistryValue(HKEY_LOCAL_MACHINE, subkey, name);
+  };
+  const RegistryValue bytes = read("\\Software\\Test", "bytes");
+  ASSERT_TRUE(bytes.present());
+  EXPECT_EQ(bytes.type, REG_BINARY);
+  EXPECT_EQ(std::string(bytes.data.data(), bytes.data.size()), "abc");
+  EXPECT_STREQ(bytes.AsText().c_str(), "abc");
+  EXPECT_EQ(bytes.FirstNumber(), 0U);
+  EXPECT_STREQ(read("Software\\Test", nullptr).AsText().c_str(), "default");
+  EXPECT_FALSE(read("Software\\Test", "empty").present());
+  EXPECT_FALSE(read("Software\\Test", "none").present());
+  EXPECT_FALSE(read("Software\\None", "bytes").present());
+  // The value shrinks, or grows, between the question for its size and the reading.
+  const auto change_at_second_question = [&](const char* data) {
+    machine_.faults.AtCall("RegQueryValueExA", [this, data, calls = 0]() mutable {
+      if (++calls == 2)
+        machine_.registry.SetValue("HKLM\\Software\\Test", "bytes", REG_BINARY, data);
+    });
+  };
+  change_at_second_question("a");
+  EXPECT_EQ(read("Software\\Test", "bytes").data.size(), 1U);
+  change_at_second_question("abcdefgh");
+  EXPECT_FALSE(read("Software\\Test", "bytes").present());
+}
+
+TEST_F(Containers, RegistryReadsLeaveNothingOpen) {
+  const auto open_before = machine_.handles.OpenObjects();
+  machine_.registry.SetDword("HKLM\\Software\\Test", "number", 7);
+  for (const char* call : {"RegOpenKeyExA", "RegQueryValueExA", "HeapAlloc"}) {
+    for (unsigned nth : {1U, 2U}) {
+      machine_.faults.FailNth(call, nth, ERROR_NOT_ENOUGH_MEMORY);
+      ReadRegistryValue(HKEY_LOCAL_MACHINE, "Software\\Test", "number");
+      EXPECT_EQ(machine_.handles.OpenObjects(), open_before) << call << " " << nth;
+    }
+  }
+}
+
+INT_PTR Seven() {
+  return 7;
+}
+
+TEST_F(Containers, LibrariesAreBoundWholeOrNotAtAll) {
+  constexpr std::array<const char*, 2> kNames = {"First", "Second"};
+  machine_.libraries.Add(
+      {.name = "EXTRA.DLL",
+       .exports = {{"First", host::Export(Seven)}, {"Second", host::Export(Seven)}}});
+  {
+    BoundLibrary<2> library;
+    ASSERT_TRUE(library.Bind("EXTRA.DLL", kNames));
+    EXPECT_EQ(library.Get<INT_PTR (*)()>(1)(), 7);
+    EXPECT_EQ(machine_.libraries.References("EXTRA.DLL"), 1U);
+  }
+  EXPECT_EQ(machine_.libraries.References("EXTRA.DLL"), 0U);
+  // A library that was there before stays.
+  const HMODULE module = LoadLibraryA("EXTRA.DLL");
+  {
+    BoundLibrary<2> library;
+    EXPECT_TRUE(library.Bind("EXTRA.DLL", kNames));
+  }
+  EXPECT_EQ(machine_.libraries.References("EXTRA.DLL"), 1U);
+  FreeLibrary(module);
+  machine_.libraries.RemoveExport("EXTRA.DLL", "Second");
+  BoundLibrary<2> library;
+  EXPECT_FALSE(library.Bind("EXTRA.DLL", kNames));
+  EXPECT_FALSE(library.bound());
+  EXPECT_EQ(machine_.libraries.References("EXTRA.DLL"), 0U);
+  machine_.libraries.Remove("EXTRA.DLL");
+  EXPECT_FALSE(library.Bind("EXTRA.DLL", kNames));
+}
+
+}  // namespace
+}  // namespace hostscope

@@ -1,0 +1,62 @@
+// Optional system libraries, bound at run time.
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+#include "platform/win32.h"
+
+namespace hostscope {
+
+// One binding: takes the library if the process has it already, else loads it and remembers that;
+// resolves every name of a table, or none: when one is missing the binding is released at once.
+// Whoever uses it keeps the table of names beside the function types.
+template <std::size_t kCount>
+class BoundLibrary {
+ public:
+  BoundLibrary() = default;
+  ~BoundLibrary() { Release(); }
+  BoundLibrary(const BoundLibrary&) = delete;
+  BoundLibrary& operator=(const BoundLibrary&) = delete;
+
+  // False when the library or one of its functions is absent.
+  bool Bind(const char* library, const std::array<const char*, kCount>& names) {
+    Release();
+    module_ = GetModuleHandleA(library);
+    if (module_ == nullptr) {
+      module_ = LoadLibraryA(library);
+      loaded_here_ = module_ != nullptr;
+    }
+    bool complete = module_ != nullptr;
+    for (std::size_t i = 0; complete && i < kCount; ++i) {
+      functions_[i] = GetProcAddress(module_, names[i]);
+      complete = functions_[i] != nullptr;
+    }
+    if (!complete) Release();
+    return complete;
+  }
+
+  bool bound() const { return module_ != nullptr; }
+
+  // The function of the table's row, as the type given. Only while bound.
+  template <typename Function>
+  Function Get(std::size_t row) const {
+    // By way of a type that fits every function, as the compiler warns of a direct change.
+    return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(functions_[row]));
+  }
+
+  // Forgets the functions; frees the library only when it was loaded here.
+  void Release() {
+    if (loaded_here_) FreeLibrary(module_);
+    module_ = nullptr;
+    loaded_here_ = false;
+    functions_ = {};
+  }
+
+ private:
+  HMODULE module_ = nullptr;
+  bool loaded_here_ = false;
+  std::array<FARPROC, kCount> functions_{};
+};
+
+}  // namespace hostscope

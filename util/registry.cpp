@@ -1,0 +1,74 @@
+#include "util/registry.h"
+
+#include <cstring>
+
+namespace hostscope {
+
+RegistryKey& RegistryKey::operator=(RegistryKey&& other) noexcept {
+  if (this != &other) {
+    Close();
+    key_ = other.key_;
+    other.key_ = nullptr;
+  }
+  return *this;
+}
+
+RegistryKey RegistryKey::Open(HKEY root, const char* subkey, DWORD access) {
+  RegistryKey result;
+  if (subkey != nullptr && subkey[0] == '\\') ++subkey;
+  HKEY opened = nullptr;
+  if (RegOpenKeyExA(root, subkey, 0, access, &opened) == ERROR_SUCCESS) result.key_ = opened;
+  return result;
+}
+
+void RegistryKey::Close() {
+  if (key_ != nullptr) RegCloseKey(key_);
+  key_ = nullptr;
+}
+
+std::uint32_t RegistryValue::FirstNumber() const {
+  std::uint32_t number = 0;
+  if (data.size() >= sizeof number) std::memcpy(&number, data.data(), sizeof number);
+  return number;
+}
+
+OwnedText RegistryValue::AsText() const {
+  if (!present()) return {};
+  const void* const end = std::memchr(data.data(), 0, data.size());
+  const std::size_t length =
+      end == nullptr ? data.size()
+                     : static_cast<std::size_t>(static_cast<const char*>(end) - data.data());
+  return CopyOfText(data.data(), length);
+}
+
+RegistryValue ReadRegistryValue(HKEY key, const char* value_name) {
+  RegistryValue value;
+  DWORD size = 0;
+  if (RegQueryValueExA(key, value_name, nullptr, nullptr, nullptr, &size) != ERROR_SUCCESS ||
+      size == 0) {
+    return value;
+  }
+  HeapBuffer data(size);
+  if (!data.present()) return value;
+  DWORD type = 0;
+  DWORD read = size;
+  // The value may have changed in between: one that grew does not fit and counts as absent, one
+  // that shrank is taken with the bytes that came.
+  if (RegQueryValueExA(key, value_name, nullptr, &type, reinterpret_cast<LPBYTE>(data.data()),
+                       &read) != ERROR_SUCCESS ||
+      read == 0) {
+    return value;
+  }
+  if (read < size && !data.Resize(read)) return value;
+  value.data = static_cast<HeapBuffer&&>(data);
+  value.type = type;
+  return value;
+}
+
+RegistryValue ReadRegistryValue(HKEY root, const char* subkey, const char* value_name) {
+  const RegistryKey key = RegistryKey::Open(root, subkey, KEY_QUERY_VALUE);
+  if (!key.open()) return {};
+  return ReadRegistryValue(key.get(), value_name);
+}
+
+}  // namespace hostscope

@@ -1,0 +1,54 @@
+// Reading single registry values.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/win32.h"
+#include "util/heap.h"
+#include "util/text.h"
+
+namespace hostscope {
+
+// An open key, closed when the owner goes.
+class RegistryKey {
+ public:
+  RegistryKey() = default;
+  ~RegistryKey() { Close(); }
+  RegistryKey(RegistryKey&& other) noexcept : key_(other.key_) { other.key_ = nullptr; }
+  RegistryKey& operator=(RegistryKey&& other) noexcept;
+  RegistryKey(const RegistryKey&) = delete;
+  RegistryKey& operator=(const RegistryKey&) = delete;
+
+  // Opens a subkey with the access mask; one leading backslash of the subkey is skipped. Not open
+  // when the key is absent or refused.
+  static RegistryKey Open(HKEY root, const char* subkey, DWORD access);
+  bool open() const { return key_ != nullptr; }
+  HKEY get() const { return key_; }
+  void Close();
+
+ private:
+  HKEY key_ = nullptr;
+};
+
+// The data of one value: a copy of exactly its bytes with its type. Absent when the key or the
+// value is absent, when it cannot be read, and when it holds no bytes.
+struct RegistryValue {
+  HeapBuffer data;
+  DWORD type = 0;
+
+  bool present() const { return data.present(); }
+  // The first four bytes as a little-endian number; 0 when there are fewer.
+  std::uint32_t FirstNumber() const;
+  // The bytes up to their first zero as a text, whatever the type; a value that lacks its
+  // terminator gets one. None when the value is absent or there is no memory.
+  OwnedText AsText() const;
+};
+
+// A value of a key that the caller has opened; a null name asks for the key's default value.
+RegistryValue ReadRegistryValue(HKEY key, const char* value_name);
+
+// A value of a subkey, which is opened for querying and closed again. One leading backslash of the
+// subkey is skipped.
+RegistryValue ReadRegistryValue(HKEY root, const char* subkey, const char* value_name);
+
+}  // namespace hostscope

@@ -1,0 +1,58 @@
+#include "util/string_list.h"
+
+#include <algorithm>
+
+#include "platform/win32.h"
+#include "util/text.h"
+
+namespace hostscope {
+namespace {
+
+void ReleaseElement(char* element) {
+  HeapFree(GetProcessHeap(), 0, element);
+}
+
+char* CopyElement(const char* text) {
+  const std::size_t size = TextLength(text) + 1;
+  char* const copy = static_cast<char*>(HeapAlloc(GetProcessHeap(), 0, size));
+  if (copy != nullptr) CopyText(copy, size, text);
+  return copy;
+}
+
+}  // namespace
+
+bool StringList::Create(std::size_t growth) {
+  Destroy();
+  return texts_.Create(sizeof(char*), growth);
+}
+
+int StringList::Append(const char* text) {
+  char* const copy = CopyElement(text);
+  if (copy == nullptr) return -1;
+  const int index = texts_.Append(&copy);
+  if (index < 0) ReleaseElement(copy);
+  return index;
+}
+
+const char* StringList::Get(int index) const {
+  const auto* const element = texts_.GetAs<char*>(index);
+  return element == nullptr ? nullptr : *element;
+}
+
+void StringList::Sort() {
+  if (count() < 2) return;
+  auto* const first = texts_.GetAs<char*>(0);
+  // Heap sort: no recursion on a small stack, no worst case. Equal texts are equal byte for byte in
+  // all that the report shows, so their order does not matter.
+  const auto before = [](const char* left, const char* right) { return lstrcmpA(left, right) < 0; };
+  std::make_heap(first, first + count(), before);
+  std::sort_heap(first, first + count(), before);
+}
+
+void StringList::Destroy() {
+  for (int i = 0; i < texts_.count(); ++i)
+    ReleaseElement(*texts_.GetAs<char*>(i));
+  texts_.Destroy();
+}
+
+}  // namespace hostscope
