@@ -1,0 +1,53 @@
+#include "report/item.h"
+
+namespace hostscope {
+namespace {
+
+bool IsSwitchedOn(const Item& item, const ProfileSettings& settings) {
+  if (item.switches.empty()) return true;
+  for (const Switch one : item.switches) {
+    if (settings.*one != 0) return true;
+  }
+  return false;
+}
+
+void ShowResult(const Item& item, ItemRun& run, bool succeeded) {
+  char line[kFormattedSize + 1] = {};
+  wsprintfA(line, "%-25s%s", item.progress_label, succeeded ? "Ok" : "Failed");
+  run.progress.RemoveLastProgressLine();
+  run.progress.AddProgressLine(line);
+}
+
+void RunValueItem(const Item& item, ItemRun& run) {
+  run.report.WriteFormatted(kLabelFormat, item.report_label);
+  run.report.Flush();
+  run.work.front() = '\0';
+  const bool succeeded = item.collect_value(run.context, run.work);
+  if (succeeded) run.report.WriteText(run.work.data());
+  ShowResult(item, run, succeeded);
+  run.report.WriteText(kLineEnd);
+}
+
+void RunLinesItem(const Item& item, ItemRun& run) {
+  run.report.Flush();
+  ShowResult(item, run, item.write_lines(run));
+}
+
+}  // namespace
+
+void RunItem(const Item& item, ItemRun& run) {
+  if (!IsSwitchedOn(item, run.settings)) return;
+  if (item.step != nullptr) {
+    run.report.Flush();
+    item.step(run);
+    return;
+  }
+  run.progress.AddProgressLine(item.progress_label);
+  if (item.collect_value != nullptr) {
+    RunValueItem(item, run);
+  } else {
+    RunLinesItem(item, run);
+  }
+}
+
+}  // namespace hostscope

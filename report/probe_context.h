@@ -1,0 +1,62 @@
+#pragma once
+
+#include "platform/win32.h"
+#include "util/library.h"
+#include "util/record_array.h"
+
+namespace hostscope {
+
+// Size of one element of the page-file list.
+inline constexpr std::size_t kPageFileRecordSize = 323;
+
+// Rows of the setup library's functions within its binding.
+enum class SetupFunction : std::size_t {
+  kEnumDeviceInfo,
+  kDestroyDeviceInfoList,
+  kGetClassDevs,
+  kClassGuidsFromName,
+  kGetDeviceInstanceId,
+  kCount,
+};
+
+struct WindowsSocketsState {
+  HMODULE module = nullptr;
+  bool started = false;
+  char version[16] = {};
+  char description[257] = {};
+  char status[129] = {};
+};
+
+struct ProcessListingState {
+  bool loaded = false;
+  HMODULE module = nullptr;
+  bool module_was_present = true;
+};
+
+// The facts and bindings that several probes of one run share. Made after the report file has been
+// created, gone after it has been closed.
+class ProbeContext {
+ public:
+  ProbeContext();
+  ProbeContext(const ProbeContext&) = delete;
+  ProbeContext& operator=(const ProbeContext&) = delete;
+
+  // The NT family; otherwise Windows 95/98/Me, also when the system does not say.
+  bool is_nt() const { return is_nt_; }
+  // Whether the setup library and all its functions are there.
+  bool has_setup_api() const { return setup_.bound(); }
+  template <typename Function>
+  Function Setup(SetupFunction row) const {
+    return setup_.Get<Function>(static_cast<std::size_t>(row));
+  }
+
+  WindowsSocketsState sockets;
+  ProcessListingState process_listing;
+  RecordArray page_files;
+
+ private:
+  bool is_nt_;
+  BoundLibrary<static_cast<std::size_t>(SetupFunction::kCount)> setup_;
+};
+
+}  // namespace hostscope

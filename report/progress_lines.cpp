@@ -1,0 +1,15 @@
+#include "report/progress_lines.h"
+
+namespace hostscope {
+
+void ProgressLines::AddProgressLine(const char* text) {
+  const LRESULT index = SendMessageA(list_, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
+  if (index >= 0) SendMessageA(list_, LB_SETCURSEL, static_cast<WPARAM>(index), 0);
+}
+
+void ProgressLines::RemoveLastProgressLine() {
+  const LRESULT count = SendMessageA(list_, LB_GETCOUNT, 0, 0);
+  if (count > 0) SendMessageA(list_, LB_DELETESTRING, static_cast<WPARAM>(count - 1), 0);
+}
+
+}  // namespace hostscope

@@ -1,0 +1,77 @@
+#include "report/report_worker.h"
+
+#include "profile/read_profile.h"
+#include "report/section_table.h"
+#include "util/handles.h"
+#include "util/heap.h"
+
+namespace hostscope {
+namespace {
+
+// The one work area of a run: a whole profile section, a collector's text, a formatted line.
+inline constexpr std::size_t kWorkAreaSize = 32767;
+
+void CreateLists(ProfileSettings& settings) {
+  for (const CatalogueRow& row : Catalogue()) {
+    if (row.list != nullptr) (settings.*row.list).Create();
+  }
+}
+
+bool IsSectionOn(const Section& section, const ProfileSettings& settings) {
+  if (section.list != nullptr) return (settings.*section.list).count() > 0;
+  return AnySwitchOn(settings, section.profile_section);
+}
+
+void RunSection(const Section& section, ItemRun& run) {
+  const bool on = IsSectionOn(section, run.settings);
+  const bool has_banner = on && section.banner != nullptr;
+  if (has_banner) run.report.WriteBanner(section.banner);
+  if (has_banner || section.always_empty_line) run.report.WriteText(kLineEnd);
+  for (const Item& item : section.items) {
+    if (on || item.step != nullptr) RunItem(item, run);
+  }
+}
+
+void WriteHeader(ReportWriter& report) {
+  char date[kReportDateSize];
+  FormatReportDate(date);
+  report.WriteFormatted("Report generated on %s\r\n", date);
+}
+
+// Between the creation of the report file and its closing.
+void WriteReport(ReportWriter& report, ProfileSettings& settings, ProgressLines& progress,
+                 std::span<char> work) {
+  ProbeContext context;
+  WriteHeader(report);
+  ItemRun run{settings, context, report, progress, work};
+  for (const Section& section : SectionTable())
+    RunSection(section, run);
+  report.Close();
+}
+
+}  // namespace
+
+void ReportWorker(RunState& state, ProfileSettings& settings, ProgressLines& progress) {
+  CreateLists(settings);
+  SetCurrentDirectoryA(state.program_folder.c_str());
+  if (!FileHandle::OpenForReading(state.profile_path.c_str()).open()) {
+    progress.AddProgressLine("Can not open ini file!");
+    return;
+  }
+  HeapBuffer work(kWorkAreaSize);
+  if (!work.present()) {
+    progress.AddProgressLine("Not enough memory!");
+    return;
+  }
+  const std::span<char> work_area(work.data(), work.size());
+  ReadProfile(state.profile_path.c_str(), ReadMoment::kWorker, settings, work_area);
+  ReportWriter report(state.report_path.c_str());
+  if (!report.open()) {
+    progress.AddProgressLine("Can not open output file!");
+    return;
+  }
+  WriteReport(report, settings, progress, work_area);
+  state.run_complete = true;
+}
+
+}  // namespace hostscope

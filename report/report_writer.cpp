@@ -1,0 +1,106 @@
+#include "report/report_writer.h"
+
+#include <cstring>
+#include <iterator>
+
+#include "platform/win32.h"
+#include "util/text.h"
+
+namespace hostscope {
+namespace {
+
+inline constexpr std::size_t kGatheredSize = 8192;
+inline constexpr std::size_t kRuleWidth = 84;
+inline constexpr std::size_t kLongestTitle = 80;
+inline constexpr char kTextFieldLine[] = "%-27s%-15s:  %s\r\n";
+
+constexpr const char* kMonths[] = {"January",   "February", "March",    "April",
+                                   "May",       "June",     "July",     "August",
+                                   "September", "October",  "November", "December"};
+
+}  // namespace
+
+ReportWriter::ReportWriter(const char* path) : file_(FileHandle::CreateForWriting(path)) {
+  // Without the buffer every write goes straight to the file.
+  if (file_.open()) gathered_ = HeapBuffer(kGatheredSize);
+}
+
+void ReportWriter::WriteText(const char* text) {
+  WriteBytes(text, TextLength(text));
+}
+
+void ReportWriter::WriteFormatted(const char* format, ...) {
+  char text[kFormattedSize + 1] = {};
+  std::va_list values;
+  va_start(values, format);
+  wvsprintfA(text, format, values);
+  va_end(values);
+  // Some systems leave an overlong result without its terminator.
+  text[kFormattedSize - 1] = '\0';
+  WriteText(text);
+}
+
+void ReportWriter::WriteBanner(const char* title) {
+  const std::size_t length = TextLength(title) < kLongestTitle ? TextLength(title) : kLongestTitle;
+  const std::size_t run = (kRuleWidth - length) / 2 - 1;
+  WriteText(kLineEnd);
+  WriteRun('=', kRuleWidth);
+  WriteText(kLineEnd);
+  WriteRun('=', run);
+  WriteText(" ");
+  WriteBytes(title, length);
+  WriteText(" ");
+  WriteRun('=', kRuleWidth - length - 2 - run);
+  WriteText(kLineEnd);
+  WriteRun('=', kRuleWidth);
+  WriteText(kLineEnd);
+}
+
+void ReportWriter::WriteDeviceBlock(char* label, const DeviceRecord& record) {
+  WriteFormatted(kTextFieldLine, label, "Description", record.name);
+  label[0] = '\0';
+  WriteFormatted(kTextFieldLine, label, "Manufacturer", record.manufacturer);
+  WriteFormatted(kTextFieldLine, label, "Driver date", record.driver_date);
+}
+
+void ReportWriter::WriteRun(char character, std::size_t count) {
+  char run[kRuleWidth];
+  std::memset(run, character, count);
+  WriteBytes(run, count);
+}
+
+void ReportWriter::WriteBytes(const char* bytes, std::size_t size) {
+  if (!file_.open() || size == 0) return;
+  if (size > gathered_.size() - gathered_size_) Flush();
+  if (size > gathered_.size()) {
+    WriteThrough(bytes, size);
+    return;
+  }
+  std::memcpy(gathered_.data() + gathered_size_, bytes, size);
+  gathered_size_ += size;
+}
+
+void ReportWriter::Flush() {
+  if (gathered_size_ > 0) WriteThrough(gathered_.data(), gathered_size_);
+  gathered_size_ = 0;
+}
+
+void ReportWriter::WriteThrough(const char* bytes, std::size_t size) {
+  DWORD written = 0;
+  WriteFile(file_.get(), bytes, static_cast<DWORD>(size), &written, nullptr);
+}
+
+void ReportWriter::Close() {
+  Flush();
+  file_.Close();
+}
+
+void FormatReportDate(char (&text)[kReportDateSize]) {
+  SYSTEMTIME now = {};
+  GetLocalTime(&now);
+  const bool named = now.wMonth >= 1 && now.wMonth <= std::size(kMonths);
+  wsprintfA(text, "%02u %s %u %02u:%02u", now.wDay, named ? kMonths[now.wMonth - 1] : "", now.wYear,
+            now.wHour, now.wMinute);
+}
+
+}  // namespace hostscope

@@ -1,0 +1,189 @@
+#include "report/report_worker.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "report/section_table.h"
+#include "tests/support/report_run.h"
+
+namespace hostscope {
+namespace {
+
+inline constexpr char kHeader[] = "Report generated on 07 March 2002 09:05\r\n";
+
+std::string Banner(const std::string& title) {
+  const std::string rule(84, '=');
+  const std::size_t left = (84 - title.size()) / 2 - 1;
+  return "\r\n" + rule + "\r\n" + std::string(left, '=') + " " + title + " " +
+         std::string(82 - title.size() - left, '=') + "\r\n" + rule + "\r\n\r\n";
+}
+
+TEST(ReportWorker, AllItemsOfASection) {
+  test::ReportRun run;
+  run.Run(
+      "[SYSTEM]\r\nWindowsVersion=1\r\nWorkingTime=-1\r\nComputerName=2\r\nUserName=1\r\n"
+      "UserLocale=1\r\nWindowsFolder=1\r\nSystemFolder=1\r\nTempFolder=1\r\n");
+  EXPECT_EQ(run.Report(),
+            kHeader + Banner("SYSTEM INFORMATION") +
+                "Operating system           Microsoft Windows 2000 Professional version 5.0.2195 "
+                "Service Pack 4\r\n"
+                "Working time (d.h.m.s)     1:1:1:1\r\n"
+                "Computer name              WORKSTATION7\r\n"
+                "User name                  jdoe\r\n"
+                "User locale                Deutsch (Deutschland) (German)\r\n"
+                "Windows folder             C:\\WINNT\r\n"
+                "System folder              C:\\WINNT\\system32\r\n"
+                "Temp folder                C:\\TEMP\r\n"
+                "\r\n");
+  EXPECT_EQ(run.Progress(), (std::vector<std::string>{
+                                "Windows version...       Ok", "Windows working time...  Ok",
+                                "Computer name...         Ok", "User name...             Ok",
+                                "User locale...           Ok", "Windows folder...        Ok",
+                                "System folder...         Ok", "Temp folder...           Ok"}));
+  EXPECT_TRUE(run.state().run_complete);
+}
+
+TEST(ReportWorker, SectionsByTheirSwitches) {
+  struct Row {
+    const char* what;
+    const char* profile;
+    std::string expected;  // after the header line
+  };
+  const std::string system = Banner("SYSTEM INFORMATION");
+  const Row rows[] = {
+      {"nothing on", "[SYSTEM]\r\nTempFolder=0\r\n", "\r\n\r\n"},
+      {"one item", "[SYSTEM]\r\nTempFolder=1\r\n",
+       system + "Temp folder                C:\\TEMP\r\n\r\n"},
+      {"another item", "[SYSTEM]\r\nSystemFolder=1\r\n",
+       system + "System folder              C:\\WINNT\\system32\r\n\r\n"},
+      {"a key that switches nothing", "[NETWORK]\r\nNetProtocols=1\r\n", "\r\n\r\n"},
+      {"a key that counts toward the banner only", "[PRINTER]\r\nDefaultLocal=1\r\n",
+       "\r\n\r\n" + Banner("PRINTERS")},
+      {"the line inside the network section", "[NETWORK]\r\nNetCards=1\r\n",
+       "\r\n" + Banner("NETWORK") + "\r\n"},
+      {"banners in report order",
+       "[USB]\r\nControllers=1\r\n[DISK CONTROLLER]\r\nFDC=1\r\n"
+       "[DISK DRIVE]\r\nLabel=1\r\n[PORT]\r\nPorts=1\r\n",
+       "\r\n\r\n" + Banner("PORTS") + Banner("DISK DRIVES") + Banner("DISK CONTROLLERS") +
+           Banner("USB CONTROLLERS")},
+      {"lists that are not empty",
+       "[CUSTOM DLLS]\r\na.dll\r\n[DLLS]\r\nb.dll\r\n[FOLDERS]\r\n"
+       "[SCAN KEYS]\r\nHKLM\\x\r\n[REGISTRY KEYS]\r\n",
+       "\r\n\r\n" + Banner("DLLS VERSIONS") + Banner("ADDITIONAL INFORMATION")},
+  };
+  for (const Row& row : rows) {
+    test::ReportRun run;
+    run.Run(row.profile);
+    EXPECT_EQ(run.Report(), kHeader + row.expected) << row.what;
+  }
+}
+
+TEST(ReportWorker, AFailedItemLeavesItsLabelAndTheNextRuns) {
+  test::ReportRun run;
+  run.machine().faults.FailAlways("GetComputerNameA", ERROR_ACCESS_DENIED);
+  run.Run("[SYSTEM]\r\nComputerName=1\r\nTempFolder=1\r\n");
+  EXPECT_EQ(run.Report(), kHeader + Banner("SYSTEM INFORMATION") +
+                              "Computer name              \r\n" +
+                              "Temp folder                C:\\TEMP\r\n\r\n");
+  EXPECT_EQ(run.Progress(), (std::vector<std::string>{"Computer name...         Failed",
+                                                      "Temp folder...           Ok"}));
+  EXPECT_TRUE(run.state().run_complete);
+}
+
+TEST(ReportWorker, TheFileShowsWhichItemIsRunning) {
+  test::ReportRun run;
+  std::string seen;
+  std::vector<std::string> lines;
+  run.machine().faults.AtCall("GetComputerNameA", [&] {
+    seen = run.Report();
+    lines = run.Progress();
+  });
+  run.Run("[SYSTEM]\r\nWorkingTime=1\r\nComputerName=1\r\n");
+  EXPECT_EQ(seen, kHeader + Banner("SYSTEM INFORMATION") +
+                      "Working time (d.h.m.s)     1:1:1:1\r\nComputer name              ");
+  EXPECT_EQ(lines, (std::vector<std::string>{"Windows working time...  Ok", "Computer name..."}));
+}
+
+TEST(ReportWorker, StopsWithoutProfileOrReport) {
+  test::ReportRun missing_profile;
+  missing_profile.state().profile_path =
+      DuplicateText(missing_profile.folder().PathOf("none.ini").c_str());
+  missing_profile.Run("");
+  EXPECT_EQ(missing_profile.Progress(), std::vector<std::string>{"Can not open ini file!"});
+  EXPECT_FALSE(missing_profile.folder().Holds("report.txt"));
+  EXPECT_FALSE(missing_profile.state().run_complete);
+  EXPECT_EQ(missing_profile.machine().faults.CallCount("GetPrivateProfileIntA"), 0U);
+
+  test::ReportRun missing_folder;
+  missing_folder.state().report_path =
+      DuplicateText(missing_folder.folder().PathOf("none\\report.txt").c_str());
+  missing_folder.Run("[SYSTEM]\r\nTempFolder=1\r\n");
+  EXPECT_EQ(missing_folder.Progress(), std::vector<std::string>{"Can not open output file!"});
+  EXPECT_FALSE(missing_folder.state().run_complete);
+  EXPECT_EQ(missing_folder.machine().faults.CallCount("GetTempPathA"), 0U);
+}
+
+TEST(ReportWorker, RelativeReportPathsLieInTheProgramFolder) {
+  test::ReportRun run;
+  std::filesystem::create_directory(run.folder().path() / "reports");
+  run.state().report_path = DuplicateText("reports\\r.txt");
+  run.Run("");
+  EXPECT_EQ(run.folder().Read("reports/r.txt"), kHeader + std::string("\r\n\r\n"));
+}
+
+TEST(ReportWorker, NothingStaysOpenWhicheverCallFails) {
+  constexpr char kProfile[] =
+      "[SYSTEM]\r\nWindowsVersion=1\r\nWorkingTime=1\r\nComputerName=1\r\nUserName=1\r\n"
+      "UserLocale=1\r\nWindowsFolder=1\r\nSystemFolder=1\r\nTempFolder=1\r\n"
+      "[DLLS]\r\na.dll\r\n[POST-RUN]\r\nTo=a\r\n";
+  test::ReportRun plain;
+  plain.Run(kProfile);
+  for (const auto& [call, count] : plain.machine().faults.CallCounts()) {
+    for (unsigned nth = 1; nth <= count; ++nth) {
+      test::ReportRun run;
+      const auto open_before = run.machine().handles.OpenObjects();
+      run.machine().faults.FailNth(call, nth, ERROR_NOT_ENOUGH_MEMORY);
+      run.Run(kProfile);
+      for (const CatalogueRow& row : Catalogue()) {
+        if (row.list != nullptr) (run.settings().*row.list).Destroy();
+      }
+      auto open_after = run.machine().handles.OpenObjects();
+      EXPECT_EQ(open_after, open_before) << call << " " << nth;
+      // Only a run that could not begin leaves no report, and its list says so.
+      EXPECT_TRUE(run.state().run_complete || run.Progress().size() <= 1) << call << " " << nth;
+    }
+  }
+}
+
+TEST(ProbeContext, TheSetupLibraryIsBoundForTheRun) {
+  host::Machine machine;
+  host::UseMachine use(machine);
+  machine.libraries.Remove("SETUPAPI.DLL");
+  EXPECT_FALSE(ProbeContext().has_setup_api());
+  host::Library library{.name = "SETUPAPI.DLL", .exports = {}};
+  for (const char* name :
+       {"SetupDiEnumDeviceInfo", "SetupDiDestroyDeviceInfoList", "SetupDiGetClassDevsA",
+        "SetupDiClassGuidsFromNameA", "SetupDiGetDeviceInstanceIdA"}) {
+    library.exports[name] = host::Export(+[]() -> INT_PTR { return 0; });
+  }
+  host::Machine equipped;
+  host::UseMachine use_equipped(equipped);
+  equipped.libraries.Add(library);
+  {
+    ProbeContext context;
+    EXPECT_TRUE(context.has_setup_api());
+    EXPECT_EQ(equipped.libraries.References("SETUPAPI.DLL"), 1U);
+    EXPECT_TRUE(context.page_files.present());
+  }
+  EXPECT_EQ(equipped.libraries.References("SETUPAPI.DLL"), 0U);
+  for (const auto& [name, address] : library.exports) {
+    equipped.libraries.RemoveExport("SETUPAPI.DLL", name);
+    EXPECT_FALSE(ProbeContext().has_setup_api()) << name;
+    equipped.libraries.Add(library);
+  }
+}
+
+}  // namespace
+}  // namespace hostscope

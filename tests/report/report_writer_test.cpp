@@ -1,0 +1,131 @@
+#include "report/report_writer.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "platform/host/machine.h"
+#include "tests/support/test_folder.h"
+
+namespace hostscope {
+namespace {
+
+class Writing : public testing::Test {
+ protected:
+  std::string Content() const { return folder_.Read("r.txt"); }
+
+  host::Machine machine_;
+  host::UseMachine use_{machine_};
+  test::TestFolder folder_;
+  ReportWriter writer_{folder_.PathOf("r.txt").c_str()};
+};
+
+TEST_F(Writing, BannersAre84Wide) {
+  struct Row {
+    const char* title;
+    std::size_t left;
+    std::size_t right;
+  };
+  constexpr Row kRows[] = {
+      {"SYSTEM INFORMATION", 32, 32}, {"DISPLAY", 37, 38}, {"", 41, 41}, {"X", 40, 41}};
+  std::string expected;
+  const std::string rule(84, '=');
+  for (const Row& row : kRows) {
+    writer_.WriteBanner(row.title);
+    expected += "\r\n" + rule + "\r\n" + std::string(row.left, '=') + " " + row.title + " " +
+                std::string(row.right, '=') + "\r\n" + rule + "\r\n";
+  }
+  const std::string longest(80, 't');
+  writer_.WriteBanner(longest.c_str());
+  expected += "\r\n" + rule + "\r\n= " + longest + " =\r\n" + rule + "\r\n";
+  writer_.Close();
+  EXPECT_EQ(Content(), expected);
+}
+
+TEST_F(Writing, FormattedLinesAreCutAndColumnsAreNot) {
+  writer_.WriteFormatted("%-27s%-15s:  %u b\r\n", "A label of 27 characters...", "Size", 4096U);
+  writer_.WriteFormatted("%-27s%s\r\n", "A label that is longer than 27 characters", "value");
+  writer_.WriteFormatted("%s\r\n", std::string(2000, 'x').c_str());
+  writer_.Close();
+  EXPECT_EQ(Content(),
+            "A label of 27 characters...Size           :  4096 b\r\n"
+            "A label that is longer than 27 charactersvalue\r\n" +
+                std::string(1023, 'x'));
+}
+
+TEST_F(Writing, DeviceBlocksShowTheirLabelOnce) {
+  char label[64] = "CDROM (total 2)";
+  DeviceRecord first = {"Drive one", "Maker", "01-02-1999"};
+  DeviceRecord second = {};
+  std::memset(second.name, 'n', 255);
+  writer_.WriteDeviceBlock(label, first);
+  writer_.WriteDeviceBlock(label, second);
+  writer_.Close();
+  const std::string blank(27, ' ');
+  EXPECT_EQ(Content(), "CDROM (total 2)            Description    :  Drive one\r\n" + blank +
+                           "Manufacturer   :  Maker\r\n" + blank +
+                           "Driver date    :  01-02-1999\r\n" + blank +
+                           "Description    :  " + std::string(255, 'n') + "\r\n" + blank +
+                           "Manufacturer   :  \r\n" + blank + "Driver date    :  \r\n");
+}
+
+TEST_F(Writing, EverythingIsInTheFileAfterAFlush) {
+  std::string expected;
+  for (std::size_t size : {1U, 8191U, 1U, 8192U, 8193U, 30000U, 5U}) {
+    const std::string text(size, static_cast<char>('a' + size % 26));
+    writer_.WriteText(text.c_str());
+    expected += text;
+    writer_.Flush();
+    EXPECT_EQ(Content(), expected) << size;
+  }
+  writer_.WriteText("at the end");
+  writer_.Close();
+  EXPECT_EQ(Content(), expected + "at the end");
+}
+
+TEST_F(Writing, GoesOnWhenWritesFailOrMemoryIsShort) {
+  machine_.faults.FailNth("WriteFile", 1, ERROR_WRITE_PROTECT);
+  writer_.WriteText("lost");
+  writer_.Flush();
+  writer_.WriteText("kept");
+  writer_.Close();
+  EXPECT_EQ(Content(), "kept");
+  writer_.WriteText("no file any more");
+  machine_.faults.FailNth("HeapAlloc", 1, ERROR_NOT_ENOUGH_MEMORY);
+  ReportWriter unbuffered(folder_.PathOf("u.txt").c_str());
+  unbuffered.WriteText("straight");
+  EXPECT_EQ(folder_.Read("u.txt"), "straight");
+}
+
+TEST_F(Writing, NoFile) {
+  ReportWriter none(folder_.PathOf("missing\\r.txt").c_str());
+  EXPECT_FALSE(none.open());
+  none.WriteText("x");
+  none.WriteBanner("x");
+  none.Flush();
+}
+
+TEST_F(Writing, Dates) {
+  struct Row {
+    host::LocalTime time;
+    const char* expected;
+  };
+  const Row rows[] = {
+      {{.year = 2002, .month = 3, .day = 7, .hour = 9, .minute = 5}, "07 March 2002 09:05"},
+      {{.year = 1999, .month = 12, .day = 31, .hour = 23, .minute = 59}, "31 December 1999 23:59"},
+      {{.year = 2000, .month = 1, .day = 1, .hour = 0, .minute = 0}, "01 January 2000 00:00"},
+      // A clock that is out of its mind.
+      {{.year = 65535, .month = 0, .day = 65535, .hour = 65535, .minute = 65535},
+       "65535  65535 65535:65535"},
+  };
+  for (const Row& row : rows) {
+    machine_.local_time = row.time;
+    char text[kReportDateSize] = {};
+    FormatReportDate(text);
+    EXPECT_STREQ(text, row.expected);
+  }
+}
+
+}  // namespace
+}  // namespace hostscope
