@@ -1,0 +1,172 @@
+// Computer, user, locale, folders and working time on machines of both families, and with every
+// platform call failing.
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+
+#include "probes/system/folders.h"
+#include "probes/system/locale.h"
+#include "probes/system/user.h"
+#include "probes/system/working_time.h"
+#include "tests/support/report_run.h"
+
+namespace hostscope {
+namespace {
+
+using Collect = bool (*)(ProbeContext&, std::span<char>);
+inline constexpr char kFailed[] = "(failed)";
+
+class SystemItems : public testing::Test {
+ protected:
+  SystemItems() : use_(machine_) { test::DescribeWindows2000(machine_); }
+
+  // The collected text, or kFailed. The area holds something else before.
+  std::string Text(Collect collect) {
+    ProbeContext context;
+    text_.fill('#');
+    return collect(context, text_) ? text_.data() : kFailed;
+  }
+  void BecomeWindows98() {
+    machine_.version = {.major = 4, .minor = 10, .build = 0x040A08AE, .platform_id = 1};
+  }
+
+  host::Machine machine_;
+  host::UseMachine use_;
+  std::array<char, 32767> text_ = {};
+};
+
+TEST(WorkingTime, Texts) {
+  struct Row {
+    std::uint32_t milliseconds;
+    const char* expected;
+  };
+  constexpr Row kRows[] = {
+      {0, "0:0:0:0"},          {999, "0:0:0:0"},           {59'999, "0:0:0:59"},
+      {60'000, "0:0:1:0"},     {3'600'000, "0:1:0:0"},     {86'399'999, "0:23:59:59"},
+      {90'061'000, "1:1:1:1"}, {0xFFFFFFFF, "49:17:2:47"},
+  };
+  for (const Row& row : kRows) {
+    std::array<char, 64> text = {};
+    FormatWorkingTimeOf(row.milliseconds, text);
+    EXPECT_EQ(std::string(text.data()), row.expected) << row.milliseconds;
+  }
+}
+
+TEST_F(SystemItems, ComputerNameOfFifteenCharactersAtMost) {
+  EXPECT_EQ(Text(ReadComputerName), "WORKSTATION7");
+  machine_.computer_name = "ABCDEFGHIJKLMNO";
+  EXPECT_EQ(Text(ReadComputerName), "ABCDEFGHIJKLMNO");
+  machine_.computer_name = "ABCDEFGHIJKLMNOP";
+  EXPECT_EQ(Text(ReadComputerName), kFailed);
+}
+
+TEST_F(SystemItems, UserNameComesFromTheTokenOnNt) {
+  machine_.user.name = "logon name";
+  EXPECT_EQ(Text(ReadUserName), "jdoe");
+  machine_.user.imitated = "visitor";
+  EXPECT_EQ(Text(ReadUserName), "visitor");
+  BecomeWindows98();
+  EXPECT_EQ(Text(ReadUserName), "logon name");
+}
+
+TEST_F(SystemItems, TokenAccountHasADomainAndLeavesNothingOpen) {
+  const auto open_before = machine_.handles.OpenObjects();
+  {
+    ProbeContext context;
+    TokenAccount account;
+    ASSERT_TRUE(LookupTokenAccount(context, account));
+    EXPECT_STREQ(account.name, "jdoe");
+    EXPECT_STREQ(account.domain, "OFFICE");
+  }
+  EXPECT_EQ(machine_.handles.OpenObjects(), open_before);
+}
+
+TEST_F(SystemItems, UserNameWithoutTokenAccount) {
+  struct Row {
+    const char* call;
+    unsigned nth;
+    DWORD error;
+    const char* expected;
+  };
+  constexpr Row kRows[] = {
+      {"OpenThreadToken", 1, ERROR_ACCESS_DENIED, "logon name"},
+      {"OpenProcessToken", 1, ERROR_ACCESS_DENIED, "logon name"},
+      {"GetTokenInformation", 1, ERROR_INVALID_HANDLE, "logon name"},
+      {"GetTokenInformation", 2, ERROR_ACCESS_DENIED, "logon name"},
+      {"LookupAccountSidA", 1, ERROR_NONE_MAPPED, "logon name"},
+      // An error that only says that the size is now known is none.
+      {"OpenThreadToken", 1, ERROR_NO_TOKEN, "jdoe"},
+  };
+  machine_.user.name = "logon name";
+  for (const Row& row : kRows) {
+    const auto open_before = machine_.handles.OpenObjects();
+    machine_.faults.FailNth(row.call, row.nth, row.error);
+    EXPECT_EQ(Text(ReadUserName), row.expected) << row.call << " " << row.nth;
+    EXPECT_EQ(machine_.handles.OpenObjects(), open_before) << row.call << " " << row.nth;
+  }
+  machine_.faults.FailAlways("LookupAccountSidA", ERROR_NONE_MAPPED);
+  machine_.faults.FailAlways("GetUserNameA", ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Text(ReadUserName), kFailed);
+}
+
+TEST_F(SystemItems, LocaleNames) {
+  struct Row {
+    std::optional<std::string> local;
+    std::optional<std::string> english;
+    const char* expected;
+  };
+  const Row rows[] = {
+      {"Deutsch", "German", "Deutsch (German)"},
+      {"Deutsch", std::nullopt, "Deutsch"},
+      {std::nullopt, "German", "German"},
+      {std::nullopt, std::nullopt, kFailed},
+  };
+  for (const Row& row : rows) {
+    machine_.locale = {.language = row.local, .english_language = row.english};
+    EXPECT_EQ(Text(FormatUserLocale), row.expected);
+  }
+  // The text stays what it was.
+  EXPECT_EQ(text_.front(), '#');
+  machine_.locale = {.language = "Deutsch", .english_language = "German"};
+  machine_.faults.FailNth("GetLocaleInfoA", 2, ERROR_INVALID_PARAMETER);
+  EXPECT_EQ(Text(FormatUserLocale), "German");
+}
+
+TEST_F(SystemItems, Folders) {
+  struct Row {
+    Collect collect;
+    const char* call;
+    std::string host::Machine::*fact;
+    const char* path;
+    const char* expected;
+  };
+  const Row rows[] = {
+      {ReadWindowsFolder, "GetWindowsDirectoryA", &host::Machine::windows_folder, "C:\\WINNT",
+       "C:\\WINNT"},
+      {ReadSystemFolder, "GetSystemDirectoryA", &host::Machine::system_folder, "D:\\WIN\\SYSTEM",
+       "D:\\WIN\\SYSTEM"},
+      {ReadTempFolder, "GetTempPathA", &host::Machine::temp_folder, "C:\\TEMP\\", "C:\\TEMP"},
+      {ReadTempFolder, "GetTempPathA", &host::Machine::temp_folder, "C:\\", "C:"},
+      {ReadTempFolder, "GetTempPathA", &host::Machine::temp_folder, "C:\\TEMP", "C:\\TEMP"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.path);
+    machine_.*row.fact = row.path;
+    EXPECT_EQ(Text(row.collect), row.expected);
+    for (unsigned nth : {1U, 2U}) {
+      machine_.faults.FailNth(row.call, nth, ERROR_INVALID_PARAMETER);
+      EXPECT_EQ(Text(row.collect), kFailed) << row.call << " " << nth;
+    }
+    // The path grows between the two questions.
+    machine_.faults.AtCall(row.call, [&, calls = 0]() mutable {
+      if (++calls == 2) machine_.*row.fact += "\\AND\\SOME\\MORE";
+    });
+    EXPECT_EQ(Text(row.collect), kFailed);
+    machine_.faults.AtCall(row.call, nullptr);
+  }
+}
+
+}  // namespace
+}  // namespace hostscope
