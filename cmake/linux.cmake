@@ -1,0 +1,27 @@
+# hscope for Linux over the host layer, and all tests.
+
+option(HOSTSCOPE_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+
+add_compile_options(-Wall -Wextra -Wshadow -Wundef -Wvla -Werror)
+if(HOSTSCOPE_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all
+                      -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
+find_package(Threads REQUIRED)
+
+file(GLOB HOST_SOURCES CONFIGURE_DEPENDS platform/host/*.cpp)
+list(REMOVE_ITEM HOST_SOURCES ${PROJECT_SOURCE_DIR}/platform/host/main.cpp)
+
+# The program calls the layer, and the layer's entry point calls the program.
+add_library(hostscope OBJECT ${PROGRAM_SOURCES} ${HOST_SOURCES})
+target_include_directories(hostscope PUBLIC ${PROJECT_SOURCE_DIR})
+target_link_libraries(hostscope PUBLIC Threads::Threads)
+
+add_executable(hscope platform/host/main.cpp)
+target_link_libraries(hscope PRIVATE hostscope)
+
+if(HOSTSCOPE_SANITIZE)
+  include(cmake/tests.cmake)
+endif()

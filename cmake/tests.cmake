@@ -1,0 +1,56 @@
+# Every test of the project, under the sanitizers where they can be; what is built for Windows comes from
+# its own build folder.
+
+find_package(GTest REQUIRED)
+find_package(Python3 REQUIRED COMPONENTS Interpreter)
+include(GoogleTest)
+
+function(add_native_tests name)
+  add_executable(${name} ${ARGN})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_compile_definitions(${name} PRIVATE HOSTSCOPE_SOURCE_FOLDER="${PROJECT_SOURCE_DIR}")
+  target_link_libraries(${name} PRIVATE hostscope GTest::gtest GTest::gtest_main)
+  gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_MODE PRE_TEST
+                       PROPERTIES TIMEOUT 120)
+endfunction()
+
+file(GLOB PROGRAM_TESTS CONFIGURE_DEPENDS tests/util/*.cpp tests/profile/*.cpp tests/report/*.cpp
+     tests/probes/*/*.cpp tests/app/*.cpp tests/support/*.cpp tests/reports/*.cpp)
+file(GLOB LAYER_TESTS CONFIGURE_DEPENDS tests/platform/host/*.cpp)
+file(GLOB CONTRACT_TESTS CONFIGURE_DEPENDS tests/contract/*.cpp)
+if(PROGRAM_TESTS)
+  add_native_tests(program_tests ${PROGRAM_TESTS})
+endif()
+if(LAYER_TESTS)
+  add_native_tests(layer_tests ${LAYER_TESTS})
+endif()
+if(CONTRACT_TESTS)
+  add_native_tests(contract_tests ${CONTRACT_TESTS})
+endif()
+
+# The rooms and who may include whom.
+add_test(NAME rooms COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/tests/rooms_check.py
+         ${PROJECT_SOURCE_DIR})
+add_test(NAME rooms_check_finds_faults
+         COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/tests/rooms_check_test.py)
+
+# The Linux program as a user starts it.
+add_test(NAME linux_program
+         COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/tests/program/linux_program_test.py
+         $<TARGET_FILE:hscope> ${PROJECT_SOURCE_DIR})
+set_tests_properties(linux_program PROPERTIES TIMEOUT 120)
+
+# What needs the cross compiler or Wine says so and is skipped, by name, where there is none.
+set(WINDOWS_FOLDER ${PROJECT_SOURCE_DIR}/build/windows)
+function(add_windows_test name)
+  add_test(NAME ${name} COMMAND ${ARGN})
+  set_tests_properties(${name} PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 600)
+endfunction()
+
+add_windows_test(windows.gate Python3::Interpreter
+                 ${PROJECT_SOURCE_DIR}/tests/windows/gate_test.py ${WINDOWS_FOLDER})
+add_windows_test(windows.contract ${PROJECT_SOURCE_DIR}/tools/under_wine.sh
+                 ${WINDOWS_FOLDER}/contract_tests.exe)
+add_windows_test(windows.exe ${PROJECT_SOURCE_DIR}/tools/under_wine.sh
+                 ${WINDOWS_FOLDER}/exe_tests.exe)
+set_tests_properties(windows.exe windows.contract PROPERTIES RUN_SERIAL OFF)

@@ -1,0 +1,144 @@
+"""The Linux program as a user starts it, over the sample machines.
+
+Usage: linux_program_test.py HSCOPE ROOT [--renew]
+With --renew the kept reports in tests/reports are written anew; read the difference before you commit it.
+"""
+
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+HSCOPE = pathlib.Path(sys.argv[1]).resolve()
+ROOT = pathlib.Path(sys.argv[2]).resolve()
+RENEW = "--renew" in sys.argv
+MACHINES = ROOT / "machines"
+KEPT = ROOT / "tests" / "reports"
+
+
+def contents(folder):
+    return {path.relative_to(folder): path.read_bytes()
+            for path in folder.rglob("*") if path.is_file()}
+
+
+class LinuxProgramTest(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="hostscope-"))
+        self.addCleanup(shutil.rmtree, self.folder)
+
+    def run_hscope(self, *arguments, cwd=None):
+        return subprocess.run([HSCOPE, *map(str, arguments)], cwd=cwd or self.folder,
+                              stdin=subprocess.DEVNULL, capture_output=True, timeout=60,
+                              check=False)
+
+    def report(self, name="hscope.txt"):
+        return (self.folder / name).read_bytes()
+
+    def test_whole_reports_of_the_sample_machines(self):
+        machines = sorted(path.name for path in MACHINES.iterdir() if path.is_dir())
+        self.assertIn("winxp", machines)
+        for machine in machines:
+            with self.subTest(machine):
+                before = contents(MACHINES / machine)
+                result = self.run_hscope("--machine", MACHINES / machine,
+                                         ROOT / "profiles" / "full.ini", self.folder)
+                self.assertEqual((result.returncode, result.stderr), (0, b""))
+                report = self.report()
+                if RENEW:
+                    (KEPT / f"{machine}.txt").write_bytes(report)
+                kept = (KEPT / f"{machine}.txt").read_bytes()
+                self.assertEqual(report.decode("cp1252").split("\r\n"),
+                                 kept.decode("cp1252").split("\r\n"))
+                self.assertEqual(report, kept)
+                self.assertEqual(contents(MACHINES / machine), before, "the machine was changed")
+                output = result.stdout.decode("utf-8")
+                self.assertIn("Windows version...       Ok", output)
+                self.assertIn("Press any key...", output)
+
+    def test_profiles_and_folders_are_linux_paths(self):
+        profile = b"[SYSTEM]\r\nTempFolder=1\r\n"
+        signed = b"[GENERAL]\r\nSign=Hostscope INI file\r\nReportFileName=signed.txt\r\n"
+        for folder in ("sub", "with space", "with:colon", "out"):
+            (self.folder / folder).mkdir()
+            (self.folder / folder / "my.ini").write_bytes(profile)
+        (self.folder / "beside.INI").write_bytes(signed)
+        cases = [
+            ("relative profile", ["sub/my.ini"], "hscope.txt"),
+            ("absolute profile", [self.folder / "sub" / "my.ini"], "hscope.txt"),
+            ("a blank in the path", ["with space/my.ini", "with space"], "with space/hscope.txt"),
+            ("a colon in the path", ["with:colon/my.ini", self.folder / "with:colon"],
+             "with:colon/hscope.txt"),
+            ("relative output folder", ["sub/my.ini", "out"], "out/hscope.txt"),
+            ("the profile in the current folder", [], "signed.txt"),
+        ]
+        for what, arguments, report in cases:
+            with self.subTest(what):
+                result = self.run_hscope("--machine", MACHINES / "winxp", *arguments)
+                self.assertEqual((result.returncode, result.stderr), (0, b""))
+                self.assertTrue(self.report(report).startswith(b"Report generated on "))
+                (self.folder / report).unlink()
+
+    def test_what_stops_a_run_is_said(self):
+        (self.folder / "p.ini").write_bytes(b"[SYSTEM]\r\nTempFolder=1\r\n")
+        cases = [
+            ("no profile", [], "Can not find ini file!"),
+            ("a profile that is not there", ["none.ini"], "Can not open ini file!"),
+            ("an output folder that is not there", ["p.ini", "none"], "Can not open output file!"),
+            ("usage", ["?"], "Usage: hscope [ini] [out]"),
+        ]
+        for what, arguments, line in cases:
+            with self.subTest(what):
+                result = self.run_hscope("--machine", MACHINES / "winxp", *arguments)
+                self.assertEqual(result.returncode, 0)
+                self.assertIn(line, result.stdout.decode("utf-8"))
+                self.assertEqual([p.name for p in self.folder.iterdir()], ["p.ini"])
+
+    def test_the_message_before_the_run_is_answered_with_its_first_button(self):
+        (self.folder / "p.ini").write_bytes(
+            b"[GENERAL]\r\nCreateMessageBox=1\r\nMessageButtons=4\r\n"
+            b"[MESSAGE]\r\nGr\xfc\xdfe: #RFNAME#\r\n")
+        result = self.run_hscope("--machine", MACHINES / "winxp", "p.ini")
+        self.assertEqual((result.returncode, result.stderr), (0, b""))
+        self.assertIn("Gr\u00fc\u00dfe: hscope.txt", result.stdout.decode("utf-8"))
+        self.assertTrue(self.report().startswith(b"Report generated on "))
+
+    def test_a_machine_that_cannot_be_read_is_refused_before_the_run(self):
+        (self.folder / "p.ini").write_bytes(b"[SYSTEM]\r\nTempFolder=1\r\n")
+        good = MACHINES / "winxp" / "machine.ini"
+        cases = [
+            ("no such folder", None, None, "none"),
+            ("an unknown key", "machine.ini", b"\n[Version]\nColour = blue\n", "machine.ini:"),
+            ("a malformed export", "zz.reg", b"REGEDIT4\r\n\r\n[HKEY_LOCAL_MACHINE\\X]\r\n\"a\"=dw\r\n",
+             "zz.reg:4:"),
+        ]
+        for what, name, extra, said in cases:
+            with self.subTest(what):
+                machine = self.folder / "machine"
+                shutil.rmtree(machine, ignore_errors=True)
+                if name is not None:
+                    machine.mkdir()
+                    shutil.copy(good, machine / "machine.ini")
+                    with open(machine / name, "ab") as file:
+                        file.write(extra)
+                else:
+                    machine = self.folder / "none"
+                result = self.run_hscope("--machine", machine, "p.ini")
+                self.assertEqual(result.returncode, 2)
+                self.assertIn(said, result.stderr.decode("utf-8"))
+                self.assertFalse((self.folder / "hscope.txt").exists())
+
+    def test_wrong_arguments_are_refused(self):
+        for arguments in ([], ["--machine"], ["--colour"], ["--machine", MACHINES / "winxp", "a.ini", "b", "c"],
+                          ["--machine", MACHINES / "winxp", 'a"b.ini']):
+            with self.subTest(arguments):
+                result = self.run_hscope(*arguments)
+                self.assertEqual(result.returncode, 2)
+                self.assertNotEqual(result.stderr, b"")
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
