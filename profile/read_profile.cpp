@@ -26,13 +26,6 @@ class FileSearch {
   HANDLE handle_;
 };
 
-const CatalogueRow* SignRow() {
-  for (const CatalogueRow& row : Catalogue()) {
-    if (row.moment == ReadMoment::kSearch) return &row;
-  }
-  return nullptr;
-}
-
 void ReadString(const CatalogueRow& row, const char* profile_path, std::span<char> field) {
   GetPrivateProfileStringA(row.section, row.key, row.default_text, field.data(),
                            static_cast<DWORD>(field.size()), profile_path);
@@ -40,9 +33,13 @@ void ReadString(const CatalogueRow& row, const char* profile_path, std::span<cha
 }
 
 bool IsSigned(const char* path) {
-  char sign[kSignSize] = {};
-  ReadString(*SignRow(), path, sign);
-  return SameText(sign, kProfileSign);
+  for (const CatalogueRow& row : Catalogue()) {
+    if (row.moment != ReadMoment::kSearch) continue;
+    char sign[kSignSize] = {};
+    ReadString(row, path, sign);
+    return SameText(sign, kProfileSign);
+  }
+  return false;
 }
 
 // One element for every entry of the section, up to the first empty one.

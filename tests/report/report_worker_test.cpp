@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "report/section_table.h"
+#include "profile/catalogue.h"
+#include "report/probe_context.h"
 #include "tests/support/report_run.h"
 
 namespace hostscope {
