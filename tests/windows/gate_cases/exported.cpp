@@ -1,0 +1,2 @@
+extern "C" __declspec(dllexport) void Fault();
+void Fault() {}
