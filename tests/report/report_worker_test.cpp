@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -141,7 +142,11 @@ TEST(ReportWorker, NothingStaysOpenWhicheverCallFails) {
       "[DLLS]\r\na.dll\r\n[POST-RUN]\r\nTo=a\r\n";
   test::ReportRun plain;
   plain.Run(kProfile);
+  // What gives something back cannot be asked to fail and to leave nothing open.
+  const std::set<std::string> closing = {"CloseHandle", "FindClose", "FreeLibrary", "HeapFree",
+                                         "RegCloseKey"};
   for (const auto& [call, count] : plain.machine().faults.CallCounts()) {
+    if (closing.contains(call)) continue;
     for (unsigned nth = 1; nth <= count; ++nth) {
       test::ReportRun run;
       const auto open_before = run.machine().handles.OpenObjects();

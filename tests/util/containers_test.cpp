@@ -116,8 +116,8 @@ TEST_F(Containers, SectionBodies) {
       {"ends at any bracket", "[MESSAGE]\r\nsee [here]\r\n"sv, "MESSAGE", "see "},
       {"lower case header", "[message]\r\none\r\n"sv, "MESSAGE", nullptr},
       {"blank in the brackets", "[ MESSAGE ]\r\none\r\n"sv, "MESSAGE", nullptr},
-      {"name inside an earlier text", "[A]\r\nx=[MESSAGE]!!\r\n[MESSAGE]\r\none\r\n"sv, "MESSAGE",
-       "\r\n"},
+      {"name inside an earlier text", "[A]\r\nx=[MESSAGE]!!two\r\n[MESSAGE]\r\none\r\n"sv,
+       "MESSAGE", "two"},
       {"header at the end", "[MESSAGE]"sv, "MESSAGE", ""},
       {"one character behind the header", "[MESSAGE]x"sv, "MESSAGE", "x"},
       {"line break only", "[MESSAGE]\r\n"sv, "MESSAGE", ""},
@@ -158,9 +158,11 @@ TEST_F(Containers, RegistryValues) {
   EXPECT_FALSE(read("Software\\Test", "none").present());
   EXPECT_FALSE(read("Software\\None", "bytes").present());
   // The value shrinks, or grows, between the question for its size and the reading.
+  int questions = 0;
   const auto change_at_second_question = [&](const char* data) {
-    machine_.faults.AtCall("RegQueryValueExA", [this, data, calls = 0]() mutable {
-      if (++calls == 2)
+    questions = 0;
+    machine_.faults.AtCall("RegQueryValueExA", [&, data] {
+      if (++questions == 2)
         machine_.registry.SetValue("HKLM\\Software\\Test", "bytes", REG_BINARY, data);
     });
   };

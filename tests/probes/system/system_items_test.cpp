@@ -38,6 +38,8 @@ class SystemItems : public testing::Test {
 };
 
 TEST(WorkingTime, Texts) {
+  host::Machine machine;
+  const host::UseMachine use(machine);
   struct Row {
     std::uint32_t milliseconds;
     const char* expected;
@@ -160,8 +162,9 @@ TEST_F(SystemItems, Folders) {
       EXPECT_EQ(Text(row.collect), kFailed) << row.call << " " << nth;
     }
     // The path grows between the two questions.
-    machine_.faults.AtCall(row.call, [&, calls = 0]() mutable {
-      if (++calls == 2) machine_.*row.fact += "\\AND\\SOME\\MORE";
+    int questions = 0;
+    machine_.faults.AtCall(row.call, [&] {
+      if (++questions == 2) machine_.*row.fact += "\\AND\\SOME\\MORE";
     });
     EXPECT_EQ(Text(row.collect), kFailed);
     machine_.faults.AtCall(row.call, nullptr);

@@ -72,6 +72,8 @@ constexpr Case kCases[] = {
 };
 
 TEST(WindowsVersion, TextOfEveryRelease) {
+  host::Machine machine;
+  const host::UseMachine use(machine);
   for (const Case& row : kCases) {
     SCOPED_TRACE(row.what);
     WindowsVersionFacts facts;
