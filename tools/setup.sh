@@ -1,0 +1,188 @@
+#!/usr/bin/env bash
+# Brings a machine what building, testing and running Hostscope needs; what is there already is left alone.
+#
+#   tools/setup.sh             install every group that is missing
+#   tools/setup.sh has GROUP   ask, in silence, whether a group is there: native, cross, wine, display
+#
+# Only the native group is a must: the exit code is non-zero when it can't be had. A machine without
+# one of the others builds and tests less, and is told so.
+set -euo pipefail
+
+readonly all_groups=(native cross wine display)
+
+declare -rA purpose=(
+  [native]="building and testing the Linux program"
+  [cross]="building hscope.exe"
+  [wine]="running hscope.exe"
+  [display]="pressing keys in hscope.exe and taking its picture"
+)
+
+declare -rA packages=(
+  [native]="g++ cmake ninja-build libgtest-dev libgmock-dev python3 clang-format git"
+  [cross]="g++-mingw-w64-i686-posix"
+  [wine]="wine wine32:i386 xvfb fonts-wine fonts-dejavu-core"
+  [display]="xdotool imagemagick"
+)
+
+have() {
+  local name
+  for name in "$@"; do command -v "$name" >/dev/null || return 1; done
+}
+
+has_native() {
+  have g++ cmake ninja python3 clang-format git flock &&
+    [[ -e /usr/include/gtest/gtest.h && -e /usr/include/gmock/gmock.h ]] &&
+    [[ -e /usr/src/googletest/CMakeLists.txt ]]
+}
+
+has_cross() { have i686-w64-mingw32-g++-posix i686-w64-mingw32-windres i686-w64-mingw32-objdump; }
+
+has_wine() {
+  have wine wineboot wineserver Xvfb setpriv &&
+    [[ -e /usr/share/fonts/truetype/dejavu/DejaVuSansMono.ttf ]] &&
+    [[ -e /usr/share/wine/fonts/marlett.ttf ]] || return 1
+  # Debian's `wine` is there without the 32-bit half too, and then starts no program of ours.
+  [[ ! -d /usr/lib/wine || -x /usr/lib/wine/wine ]]
+}
+
+# ImageMagick's own `import`: another program of that name is of no use here.
+has_display() { have xdotool import && import -version 2>/dev/null | grep -q ImageMagick; }
+
+say() { printf 'setup: %s\n' "$*"; }
+
+as_root() {
+  if ((EUID == 0)); then "$@"; else sudo -n "$@"; fi
+}
+
+# Says why nothing can be installed here, or nothing when it can.
+obstacle() {
+  if ! have apt-get dpkg; then
+    echo "this machine has no apt-get"
+  elif ((EUID != 0)) && ! sudo -n true 2>/dev/null; then
+    echo "that takes root, and sudo does not give it"
+  fi
+}
+
+apt() {
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -y -o DPkg::Lock::Timeout=300 \
+    -o Acquire::Retries=3 -o Dpkg::Use-Pty=0 "$@" </dev/null
+}
+
+lists_updated=no
+update_lists() {
+  [[ $lists_updated == no ]] || return 0
+  apt update || say "some package lists could not be fetched; going on with the others"
+  lists_updated=yes
+}
+
+install_plainly() {
+  update_lists
+  apt install --no-install-recommends "$@"
+}
+
+# can_install [options of apt] PACKAGES...
+can_install() { apt install --simulate --no-install-recommends "$@" >/dev/null 2>&1; }
+
+# Lists of the release alone, without its updates, in a folder; the archive's address is the machine's.
+# The result is in release_only: the options that make apt use them.
+release_only=()
+fetch_release_lists() {
+  local folder=$1 release archive keyring=/usr/share/keyrings/debian-archive-keyring.gpg
+  # shellcheck source=/dev/null
+  release=$(. /etc/os-release && echo "${VERSION_CODENAME:-}")
+  # shellcheck disable=SC2016 # apt's own names
+  archive=$(apt-get indextargets --format '$(RELEASE) $(COMPONENT) $(REPO_URI)' 'Created-By: Packages' |
+    awk -v release="$release" '$1 == release && $2 == "main" { print $3; exit }')
+  if [[ -z $release || -z $archive ]]; then
+    say "the package sources of this machine do not name its release"
+    return 1
+  fi
+  mkdir -p "$folder/lists/partial" "$folder/parts"
+  {
+    printf 'Types: deb\nURIs: %s\nSuites: %s\nComponents: main\n' "$archive" "$release"
+    if [[ -e $keyring ]]; then printf 'Signed-By: %s\n' "$keyring"; fi
+  } >"$folder/parts/release.sources"
+  printf 'Package: *\nPin: release n=%s\nPin-Priority: 1001\n' "$release" >"$folder/older"
+  release_only=(-o Dir::Etc::sourcelist=/dev/null -o "Dir::Etc::sourceparts=$folder/parts"
+    -o "Dir::State::Lists=$folder/lists")
+  apt "${release_only[@]}" update
+}
+
+# Wine needs libraries of a second architecture, and the two halves of a library must have the same
+# version. A mirror may give the updates of one architecture only, and then they never match: so next
+# the release itself is tried, and last with the machine's own halves set back to it.
+install_two_architectures() {
+  local folder=$1 older=()
+  shift
+  as_root dpkg --add-architecture i386
+  lists_updated=no
+  update_lists
+  if ! can_install "$@"; then
+    fetch_release_lists "$folder" || return 1
+    if ! can_install "${release_only[@]}" "$@"; then
+      say "setting libraries that Wine shares back to the versions of the release"
+      older=(-o "Dir::Etc::preferences=$folder/older" --allow-downgrades)
+    fi
+  fi
+  apt install --no-install-recommends "${release_only[@]}" "${older[@]}" "$@"
+}
+
+install_wine() {
+  local folder status=0
+  folder=$(mktemp -d)
+  chmod 755 "$folder"
+  install_two_architectures "$folder" "$@" || status=$?
+  as_root rm -rf "$folder"
+  return "$status"
+}
+
+install_group() {
+  local group=$1 wanted
+  read -ra wanted <<<"${packages[$group]}"
+  say "installing for ${purpose[$group]}: ${wanted[*]}"
+  case $group in
+    wine) install_wine "${wanted[@]}" ;;
+    *) install_plainly "${wanted[@]}" ;;
+  esac
+}
+
+missing_packages() {
+  local package
+  for package in ${packages[$1]}; do
+    dpkg-query -W -f '${db:Status-Abbrev}' "$package" 2>/dev/null | grep -q '^.i' || echo "$package"
+  done
+}
+
+# Leaves the group there, or says what is missing and what for.
+ensure_group() {
+  local group=$1 reason missing
+  if "has_$group"; then return 0; fi
+  reason=$(obstacle)
+  if [[ -z $reason ]]; then
+    if install_group "$group" && "has_$group"; then return 0; fi
+    reason="the installation failed"
+  fi
+  mapfile -t missing < <(missing_packages "$group")
+  say "not available: ${purpose[$group]} ($reason); missing packages: ${missing[*]:-none known}"
+  return 1
+}
+
+main() {
+  if (($# == 2)) && [[ $1 == has && -n ${purpose[$2]:-} ]]; then
+    "has_$2"
+    return
+  elif (($# > 0)); then
+    say "unknown arguments: $* (see the top of tools/setup.sh)"
+    return 2
+  fi
+  exec 9<"${BASH_SOURCE[0]}"
+  if have flock; then flock 9; fi
+  local group status=0
+  for group in "${all_groups[@]}"; do
+    # apt's children must not keep the lock when this script is killed.
+    ensure_group "$group" 9<&- || { [[ $group != native ]] || status=1; }
+  done
+  return "$status"
+}
+
+main "$@"
