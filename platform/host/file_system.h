@@ -1,0 +1,121 @@
+// The files of a machine: drive letters that stand for Linux folders, and the user's own Linux
+// files.
+//
+// A path with a letter and a colon names a file of a drive, which the program can only read. A path
+// that begins with "/", or a relative one while the current folder is a Linux folder, names a file
+// of the user's own, which it may write. Both kinds of separator count in both kinds of path, and
+// names are compared without regard to case unless a file of exactly that name is there.
+//
+// Paths of the interface are in code page 1252; std::filesystem paths are UTF-8, as on disk. A
+// character of a name on disk that the code page does not have is a "?" in the interface, and such
+// a name is found by its "?".
+#pragma once
+
+#include <sys/types.h>
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/host/handles.h"
+#include "platform/host/windows_types.h"
+
+namespace host {
+
+// What an open file lets its owner do, and what it lets others do meanwhile.
+struct FileUse {
+  bool read = false;
+  bool write = false;
+  bool share_read = false;
+  bool share_write = false;
+};
+
+// The numbers of CREATE_NEW and its kin.
+enum class Disposition { kCreateNew = 1, kCreateAlways, kOpenExisting, kOpenAlways, kTruncate };
+
+struct FileClaims;
+
+// An open file ("file" among the open objects); it gives its descriptor, and its claim on the file,
+// back when it goes. Nothing is buffered: what is written is in the Linux file at once.
+class OpenFile : public Object {
+ public:
+  // The descriptor becomes the object's.
+  OpenFile(int descriptor, const FileUse& use);
+  ~OpenFile() override;
+  int descriptor() const { return descriptor_; }
+  const FileUse& use() const { return use_; }
+
+ private:
+  friend struct FileClaims;
+  int descriptor_;
+  FileUse use_;
+  dev_t device_ = 0;
+  ino_t number_ = 0;
+  std::shared_ptr<FileClaims> claims_;  // none: nobody else may notice it
+};
+
+class FileSystem {
+ public:
+  // Where a path of the program leads.
+  struct Place {
+    std::filesystem::path path;  // on disk; its last component need not exist
+    std::string name;            // a full path of the program: "C:\DIR\FILE", "/home/u/file"
+    bool own = false;            // one of the user's own files, not of a drive
+    bool exists = false;
+    bool folder = false;
+    bool root = false;  // the topmost folder of its drive, or "/"
+  };
+
+  // One entry of a folder: its name in code page 1252 and where it is on disk.
+  struct Entry {
+    std::string name;
+    std::filesystem::path path;
+  };
+
+  FileSystem();
+
+  // The drive's files are those of the folder. A second call for the letter replaces the first.
+  void MountDrive(char letter, std::filesystem::path folder);
+  // The folder behind a drive letter, or none.
+  std::optional<std::filesystem::path> DriveFolder(char letter) const;
+
+  // Finds the place that a path names. Answers 0 also when only the last component is missing
+  // (`exists` is false then); else the error: ERROR_PATH_NOT_FOUND for a missing folder on the way,
+  // a drive that is not there or an empty path; ERROR_INVALID_NAME; ERROR_FILENAME_EXCED_RANGE.
+  DWORD Locate(std::string_view path, Place& place) const;
+
+  // Opens or makes a file as CreateFileA does; `existed` (may be null) says whether it was there
+  // before. Answers 0 or the error. Files that are open in this machine keep each other out by what
+  // they share, as on Windows; a file open for neither reading nor writing keeps nobody out.
+  DWORD Open(std::string_view path, const FileUse& use, Disposition disposition,
+             std::shared_ptr<OpenFile>& file, bool* existed = nullptr) const;
+  // Everything in a file, shared with every other use of it; 0 or the error.
+  DWORD ReadWhole(std::string_view path, std::string& content) const;
+
+  // The name, as the program sees it, of what the path on disk ends in.
+  static std::string NameOf(const std::filesystem::path& path);
+  // What is in a folder, sorted by name without regard to case; 0 or the error.
+  DWORD List(const Place& folder, std::vector<Entry>& entries) const;
+
+  // The current folder as a full path of the program ("C:\" at first). Making another one current
+  // answers 0, ERROR_FILE_NOT_FOUND, ERROR_DIRECTORY (not a folder), ERROR_ACCESS_DENIED or an
+  // error of Locate.
+  std::string CurrentFolder() const;
+  DWORD SetCurrentFolder(std::string_view path);
+
+ private:
+  mutable std::mutex mutex_;  // guards the drives and the current folder
+  std::map<char, std::filesystem::path> drives_;
+  std::string current_folder_ = "C:\\";
+  std::shared_ptr<FileClaims> claims_;
+};
+
+// The platform's error code for an errno.
+DWORD ErrorFromErrno(int number);
+
+}  // namespace host

@@ -1,0 +1,262 @@
+// Private profiles: reading INI files.
+//
+// Every call reads the file anew, so that it shows what is in it now. Windows 95/98/Me see only the
+// first 32767 bytes of a section; lines that begin beyond are not there for them.
+#include <algorithm>
+#include <cctype>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/host/code_page.h"
+#include "platform/host/kernel32.h"
+#include "platform/host/machine.h"
+#include "platform/host/process.h"
+
+using namespace host;
+
+namespace {
+
+constexpr std::size_t kSectionLimit = 32767;
+constexpr std::string_view kBlanks = " \t\v\f\x1A";  // the end-of-file mark of old is one
+
+struct Line {
+  std::string key;
+  std::optional<std::string> value;  // none: a line without "="
+};
+
+struct Section {
+  std::string name;
+  std::vector<Line> lines;
+};
+
+std::string_view Trim(std::string_view text) {
+  const std::size_t begin = text.find_first_not_of(kBlanks);
+  if (begin == std::string_view::npos) return {};
+  return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
+}
+
+// The file's text in the code page: a byte-order mark says what it is in.
+std::string Decode(std::string content) {
+  const std::string_view text = content;
+  if (text.starts_with("\xFF\xFE")) return CodePageFromUtf16(text.substr(2));
+  if (text.starts_with("\xEF\xBB\xBF")) return CodePageFromUtf8WithMarks(text.substr(3));
+  if (!text.starts_with("\xFE\xFF")) return content;
+  for (std::size_t i = 0; i + 1 < content.size(); i += 2)
+    std::swap(content[i], content[i + 1]);
+  return CodePageFromUtf16(std::string_view(content).substr(2));
+}
+
+// The name goes up to the line's last "]"; a line without one is no header.
+std::optional<std::string_view> HeaderName(std::string_view line) {
+  if (!line.starts_with('[')) return std::nullopt;
+  const std::size_t end = line.rfind(']');
+  if (end == std::string_view::npos) return std::nullopt;
+  return Trim(line.substr(1, end - 1));
+}
+
+Line ParseLine(std::string_view line) {
+  const std::size_t sign = line.find('=');
+  if (sign == std::string_view::npos) return {std::string(line), std::nullopt};
+  return {std::string(Trim(line.substr(0, sign))), std::string(Trim(line.substr(sign + 1)))};
+}
+
+// The lines before the first header make a section without a name.
+std::vector<Section> ParseProfile(std::string_view text, std::size_t section_limit) {
+  std::vector<Section> sections(1);
+  std::size_t section_begin = 0;
+  std::size_t begin = 0;
+  while (begin < text.size()) {
+    const std::size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
+    std::string_view line = text.substr(begin, end - begin);
+    line = Trim(line.substr(0, line.find('\0')));
+    if (const auto name = HeaderName(line)) {
+      sections.push_back({std::string(*name), {}});
+      section_begin = end + 1;
+    } else if (!line.empty() && begin - section_begin < section_limit) {
+      sections.back().lines.push_back(ParseLine(line));
+    }
+    begin = end + 1;
+  }
+  return sections;
+}
+
+// A name without a folder is looked for in the Windows folder.
+std::string ProfilePath(const Machine& machine, LPCSTR file) {
+  const std::string_view name = file == nullptr ? "win.ini" : file;
+  if (name.empty() || name.find_first_of("\\/:") != std::string_view::npos)
+    return std::string(name);
+  return machine.windows_folder + "\\" + std::string(name);
+}
+
+// A file that can't be read is one without sections; the last error says why, and is 0 otherwise.
+std::vector<Section> ReadProfile(LPCSTR file) {
+  const Machine& machine = CurrentMachine();
+  std::string content;
+  const DWORD error = machine.files.ReadWhole(ProfilePath(machine, file), content);
+  SetLastError(error);
+  if (error != ERROR_SUCCESS) return {};
+  return ParseProfile(Decode(std::move(content)), machine.IsNt() ? SIZE_MAX : kSectionLimit);
+}
+
+// The first of several sections, or keys, of one name counts.
+const Section* FindSection(const std::vector<Section>& sections, std::string_view name) {
+  const auto found = std::find_if(sections.begin(), sections.end(),
+                                  [&](const auto& s) { return EqualNoCase(s.name, name); });
+  return found == sections.end() ? nullptr : &*found;
+}
+
+std::optional<std::string> FindValue(const std::vector<Section>& sections, std::string_view section,
+                                     std::string_view key) {
+  const Section* const found = FindSection(sections, section);
+  if (found == nullptr) return std::nullopt;
+  const auto line = std::find_if(found->lines.begin(), found->lines.end(),
+                                 [&](const Line& l) { return EqualNoCase(l.key, key); });
+  return line == found->lines.end() ? std::nullopt : line->value;
+}
+
+bool IsComment(const Line& line) {
+  return line.key.starts_with(';');
+}
+
+std::string_view WithoutQuotes(std::string_view text) {
+  const bool quoted = text.size() >= 2 && text.front() == text.back() &&
+                      (text.front() == '"' || text.front() == '\'');
+  return quoted ? text.substr(1, text.size() - 2) : text;
+}
+
+DWORD GiveText(std::string_view text, LPSTR buffer, DWORD size) {
+  const std::size_t length = std::min<std::size_t>(text.size(), size - 1);
+  std::memcpy(buffer, text.data(), length);
+  buffer[length] = '\0';
+  return static_cast<DWORD>(length);
+}
+
+// A list of texts, each with its zero, and one more zero at the end, which the result leaves out. A
+// list that is cut ends in two zeros, of which the result leaves out both; an empty one is two
+// zeros.
+DWORD GiveList(const std::string& list, LPSTR buffer, DWORD size) {
+  if (size < 2) {
+    buffer[0] = '\0';
+    return 0;
+  }
+  const bool cut = list.size() + 2 > size;
+  const std::size_t length = cut ? size - 2 : list.size();
+  std::memcpy(buffer, list.data(), length);
+  buffer[length] = '\0';
+  if (cut || list.empty()) buffer[length + 1] = '\0';
+  if (cut) SetLastError(ERROR_INSUFFICIENT_BUFFER);
+  return static_cast<DWORD>(length);
+}
+
+void AddToList(std::string& list, std::string_view text) {
+  list.append(text);
+  list.push_back('\0');
+}
+
+std::string SectionNames(const std::vector<Section>& sections) {
+  std::string list;
+  for (const Section& section : sections) {
+    if (!section.name.empty()) AddToList(list, section.name);
+  }
+  return list;
+}
+
+std::string KeyNames(const Section* section) {
+  std::string list;
+  if (section == nullptr) return list;
+  for (const Line& line : section->lines) {
+    if (line.value && !IsComment(line)) AddToList(list, line.key);
+  }
+  return list;
+}
+
+std::string SectionLines(const Section* section) {
+  std::string list;
+  if (section == nullptr) return list;
+  for (const Line& line : section->lines) {
+    if (!IsComment(line)) AddToList(list, line.value ? line.key + "=" + *line.value : line.key);
+  }
+  return list;
+}
+
+DWORD GetString(LPCSTR section, LPCSTR key, LPCSTR fallback, LPSTR buffer, DWORD size,
+                LPCSTR file) {
+  if (buffer == nullptr || size == 0) return 0;
+  const std::vector<Section> sections = ReadProfile(file);
+  if (section == nullptr) return GiveList(SectionNames(sections), buffer, size);
+  std::string_view text = fallback == nullptr ? "" : fallback;
+  if (key == nullptr) {
+    const std::string keys = KeyNames(FindSection(sections, section));
+    return keys.empty() ? GiveText(text, buffer, size) : GiveList(keys, buffer, size);
+  }
+  const std::optional<std::string> value = FindValue(sections, Trim(section), Trim(key));
+  if (value) {
+    text = *value;
+  } else {
+    text = text.substr(0, text.find_last_not_of(' ') + 1);
+  }
+  return GiveText(WithoutQuotes(text), buffer, size);
+}
+
+unsigned DigitValue(char character) {
+  const char digit = LowerCase(character);
+  if (digit >= '0' && digit <= '9') return static_cast<unsigned>(digit - '0');
+  if (digit >= 'a' && digit <= 'f') return static_cast<unsigned>(digit - 'a' + 10);
+  return 99;
+}
+
+// A sign, a base (0x, 0o, 0b, with a small letter) and digits as far as they go; modulo 2^32.
+UINT ParseInteger(std::string_view text) {
+  while (!text.empty() && static_cast<unsigned char>(text.front()) <= ' ')
+    text.remove_prefix(1);
+  const bool negative = text.starts_with('-');
+  if (negative || text.starts_with('+')) text.remove_prefix(1);
+  unsigned base = 10;
+  if (text.size() >= 2 && text[0] == '0') {
+    const char letter = text[1];
+    base = letter == 'x' ? 16 : letter == 'o' ? 8 : letter == 'b' ? 2 : 10;
+    if (base != 10) text.remove_prefix(2);
+  }
+  UINT number = 0;
+  for (; !text.empty() && DigitValue(text.front()) < base; text.remove_prefix(1))
+    number = number * base + DigitValue(text.front());
+  return negative ? 0 - number : number;
+}
+
+}  // namespace
+
+UINT WINAPI GetPrivateProfileIntA(LPCSTR section, LPCSTR key, INT fallback, LPCSTR file) {
+  if (EndableCallFails("GetPrivateProfileIntA")) return static_cast<UINT>(fallback);
+  char text[30];  // no longer text is looked at
+  if (GetString(section, key, "", text, sizeof(text), file) == 0) {
+    return static_cast<UINT>(fallback);
+  }
+  return ParseInteger(text);
+}
+
+DWORD WINAPI GetPrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR fallback, LPSTR buffer,
+                                      DWORD size, LPCSTR file) {
+  if (!EndableCallFails("GetPrivateProfileStringA")) {
+    return GetString(section, key, fallback, buffer, size, file);
+  }
+  // Also when it fails the default is what the buffer holds.
+  if (buffer == nullptr || size == 0) return 0;
+  return GiveText(fallback == nullptr ? "" : fallback, buffer, size);
+}
+
+DWORD WINAPI GetPrivateProfileSectionA(LPCSTR section, LPSTR buffer, DWORD size, LPCSTR file) {
+  if (EndableCallFails("GetPrivateProfileSectionA")) {
+    if (buffer != nullptr && size != 0) buffer[0] = '\0';
+    return 0;
+  }
+  if (section == nullptr || buffer == nullptr || size == 0) {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return 0;
+  }
+  const std::vector<Section> sections = ReadProfile(file);
+  return GiveList(SectionLines(FindSection(sections, section)), buffer, size);
+}

@@ -1,0 +1,312 @@
+#include "platform/host/machine_facts.h"
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <limits>
+#include <optional>
+#include <string>
+#include <type_traits>
+
+#include "platform/host/code_page.h"
+#include "platform/host/functions.h"
+#include "platform/host/security_id.h"
+
+namespace host {
+namespace {
+
+using std::string_view;
+
+// Readers of one value. Each answers what is wrong with it, or an empty text.
+
+// Decimal, or hexadecimal after "0x". Anything else, or a number above the limit, is absent.
+std::optional<DWORD> Number(string_view text, DWORD most = std::numeric_limits<DWORD>::max()) {
+  int base = 10;
+  if (text.starts_with("0x") || text.starts_with("0X")) {
+    base = 16;
+    text.remove_prefix(2);
+  }
+  DWORD number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, number, base);
+  if (error != std::errc() || rest != end || number > most) return std::nullopt;
+  return number;
+}
+
+template <typename Field>
+requires std::is_integral_v<Field> std::string ReadValue(string_view value, Field& field) {
+  const DWORD most =
+      static_cast<DWORD>(std::min<std::uint64_t>(std::numeric_limits<Field>::max(), 0xFFFFFFFF));
+  const std::optional<DWORD> number = Number(value, most);
+  if (!number) return "the value is no number from 0 to " + std::to_string(most);
+  field = static_cast<Field>(*number);
+  return "";
+}
+
+std::string ReadValue(string_view value, bool& field) {
+  if (value != "yes" && value != "no") return "the value is neither \"yes\" nor \"no\"";
+  field = value == "yes";
+  return "";
+}
+
+std::string ReadValue(string_view value, std::string& field) {
+  field = value;
+  return "";
+}
+
+std::string ReadValue(string_view value, std::optional<std::string>& field) {
+  field = std::string(value);
+  return "";
+}
+
+// Takes digits off the front up to the stop character, which goes too; the end of the text for
+// none.
+std::optional<WORD> TakeTimePart(string_view& text, char stop) {
+  const std::size_t end = stop == '\0' ? text.size() : text.find(stop);
+  if (end == string_view::npos) return std::nullopt;
+  const string_view digits = text.substr(0, end);
+  const bool is_digits =
+      std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; });
+  const std::optional<DWORD> number = is_digits ? Number(digits, 0xFFFF) : std::nullopt;
+  text.remove_prefix(std::min(end + 1, text.size()));
+  if (!number) return std::nullopt;
+  return static_cast<WORD>(*number);
+}
+
+std::string ReadValue(string_view value, LocalTime& field) {
+  const std::string malformed = "the value is no time of the form 2002-03-07 09:05:00.000";
+  WORD* const parts[] = {&field.year,   &field.month,  &field.day,         &field.hour,
+                         &field.minute, &field.second, &field.milliseconds};
+  const char stops[] = {'-', '-', ' ', ':', ':', '.', '\0'};
+  std::string text(value);
+  if (text.find('.') == std::string::npos) text += ".000";
+  string_view rest = text;
+  for (std::size_t i = 0; i < std::size(parts); ++i) {
+    const std::optional<WORD> part = TakeTimePart(rest, stops[i]);
+    if (!part) return malformed;
+    *parts[i] = *part;
+  }
+  const std::chrono::year_month_day date{
+      std::chrono::year(field.year), std::chrono::month(field.month), std::chrono::day(field.day)};
+  if (!date.ok() || field.year < 1601 || field.year > 30827 || field.hour > 23 ||
+      field.minute > 59 || field.second > 59 || field.milliseconds > 999) {
+    return malformed;
+  }
+  const std::chrono::weekday day_of_week{std::chrono::sys_days(date)};
+  field.day_of_week = static_cast<WORD>(day_of_week.c_encoding());
+  return "";
+}
+
+// One row of the catalogue: who reads the value of the key.
+struct Fact {
+  string_view section;
+  string_view key;  // "*": any; the reader looks at it
+  std::string (*read)(Machine& machine, string_view key, string_view value);
+  bool required = false;
+};
+
+// The reader of a plain field: the members on the way to it, from the machine's own on.
+template <auto... members>
+std::string Read(Machine& machine, string_view, string_view value) {
+  return ReadValue(value, (machine.*....*members));
+}
+
+std::string ReadServicePackText(Machine& machine, string_view, string_view value) {
+  if (value.size() > 127) return "the text is longer than the 127 characters of its field";
+  machine.version.service_pack_text = value;
+  return "";
+}
+
+std::string ReadSid(Machine& machine, string_view, string_view value) {
+  if (!SecurityIdBytes(value)) return "the value is no security identifier (\"S-1-5-...\")";
+  machine.user.sid = value;
+  return "";
+}
+
+std::string ReadSpecialFolder(Machine& machine, string_view key, string_view value) {
+  const std::optional<DWORD> number = Number(key, 0xFFFF);
+  if (!number) return "the key is no number of a special folder";
+  const bool is_new =
+      machine.special_folders.emplace(static_cast<int>(*number), std::string(value)).second;
+  return is_new ? "" : "the folder's number stands twice";
+}
+
+// Takes what stands before the next separator off the front, without the blanks around it.
+string_view TakeItem(string_view& text, char separator) {
+  while (text.starts_with(' '))
+    text.remove_prefix(1);
+  const std::size_t end = std::min(text.find(separator), text.size());
+  string_view item = text.substr(0, end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  while (item.ends_with(' '))
+    item.remove_suffix(1);
+  return item;
+}
+
+std::string ReadLibrary(Machine& machine, string_view key, string_view value) {
+  if (value == "present") {
+    machine.libraries.Add(Library{std::string(key), false, {}, {}, ""});
+    return "";
+  }
+  if (value == "absent") {
+    machine.libraries.Remove(key);
+    return "";
+  }
+  if (TakeItem(value, ' ') != "without" || value.empty()) {
+    return "the value is neither \"present\", \"absent\" nor \"without\" and names of functions";
+  }
+  while (!value.empty()) {
+    const string_view function = TakeItem(value, ',');
+    if (function.empty()) return "the name of a function is missing";
+    machine.libraries.RemoveExport(key, function);
+  }
+  return "";
+}
+
+std::string ReadDeniedKey(Machine& machine, string_view key, string_view value) {
+  const std::optional<Hive> hive = HiveByName(key.substr(0, key.find('\\')));
+  if (!hive) return "the key is no path that begins with a hive";
+  // Which key that is may be stated further down.
+  if (hive == Hive::kCurrentUser) return "a key of the user is stated below HKU";
+  const DWORD error = Number(value).value_or(0);
+  if (error == 0) return "the value is no error code";
+  machine.registry.DenyAccess(key, error);
+  return "";
+}
+
+struct Fault {
+  DWORD call = 0;  // 0: every call
+  DWORD error = 0;
+};
+
+// "always ERROR" or "call NUMBER ERROR".
+std::optional<Fault> ParseFault(string_view text) {
+  Fault fault;
+  const string_view when = TakeItem(text, ' ');
+  if (when == "call") {
+    fault.call = Number(TakeItem(text, ' ')).value_or(0);
+    if (fault.call == 0) return std::nullopt;
+  } else if (when != "always") {
+    return std::nullopt;
+  }
+  fault.error = Number(TakeItem(text, ' ')).value_or(0);
+  if (fault.error == 0 || !text.empty()) return std::nullopt;
+  return fault;
+}
+
+std::string ReadFault(Machine& machine, string_view key, string_view value) {
+  if (!IsLayerFunction(key)) return "the layer has no function of that name";
+  do {
+    const std::optional<Fault> fault = ParseFault(TakeItem(value, ','));
+    if (!fault) {
+      return "the value is neither \"always ERROR\" nor \"call NUMBER ERROR\" nor a list of these";
+    }
+    if (fault->call == 0) {
+      machine.faults.FailAlways(key, fault->error);
+    } else {
+      machine.faults.FailNth(key, fault->call, fault->error);
+    }
+  } while (!value.empty());
+  return "";
+}
+
+constexpr bool kRequired = true;
+
+constexpr Fact kFacts[] = {
+    {"Version", "Major", Read<&Machine::version, &WindowsVersion::major>, kRequired},
+    {"Version", "Minor", Read<&Machine::version, &WindowsVersion::minor>, kRequired},
+    {"Version", "Build", Read<&Machine::version, &WindowsVersion::build>, kRequired},
+    {"Version", "Platform", Read<&Machine::version, &WindowsVersion::platform_id>, kRequired},
+    {"Version", "ServicePackText", ReadServicePackText},
+    {"Version", "ProductType", Read<&Machine::version, &WindowsVersion::product_type>},
+    {"Version", "ServicePackMajor", Read<&Machine::version, &WindowsVersion::service_pack_major>},
+    {"Version", "ServicePackMinor", Read<&Machine::version, &WindowsVersion::service_pack_minor>},
+    {"Version", "SuiteMask", Read<&Machine::version, &WindowsVersion::suite_mask>},
+    {"Version", "ExtendedRecord", Read<&Machine::version, &WindowsVersion::extended_record>},
+    {"Clock", "LocalTime", Read<&Machine::local_time>},
+    {"Clock", "TickCount", Read<&Machine::tick_count>},
+    {"Computer", "Name", Read<&Machine::computer_name>},
+    {"User", "Name", Read<&Machine::user, &User::name>},
+    {"User", "Account", Read<&Machine::user, &User::account>},
+    {"User", "Domain", Read<&Machine::user, &User::domain>},
+    {"User", "Imitated", Read<&Machine::user, &User::imitated>},
+    {"User", "Sid", ReadSid},
+    {"User", "RegistryKey", Read<&Machine::user, &User::registry_key>},
+    {"Locale", "Language", Read<&Machine::locale, &Locale::language>},
+    {"Locale", "EnglishLanguage", Read<&Machine::locale, &Locale::english_language>},
+    {"Folders", "Windows", Read<&Machine::windows_folder>},
+    {"Folders", "System", Read<&Machine::system_folder>},
+    {"Folders", "Temp", Read<&Machine::temp_folder>},
+    {"SpecialFolders", "*", ReadSpecialFolder},
+    {"Screen", "Width", Read<&Machine::desktop, &Desktop::screen_size, &SIZE::cx>},
+    {"Screen", "Height", Read<&Machine::desktop, &Desktop::screen_size, &SIZE::cy>},
+    {"Screen", "BitsPerPixel", Read<&Machine::desktop, &Desktop::bits_per_pixel>},
+    {"DeniedKeys", "*", ReadDeniedKey},
+    {"Libraries", "*", ReadLibrary},
+    {"Faults", "*", ReadFault},
+};
+
+const Fact* FindFact(string_view section, string_view key) {
+  const auto found = std::find_if(std::begin(kFacts), std::end(kFacts), [&](const Fact& fact) {
+    return fact.section == section && (fact.key == "*" || fact.key == key);
+  });
+  return found == std::end(kFacts) ? nullptr : found;
+}
+
+bool IsSection(string_view name) {
+  return std::any_of(std::begin(kFacts), std::end(kFacts),
+                     [name](const Fact& fact) { return fact.section == name; });
+}
+
+bool IsStated(const Fact& fact, const std::vector<IniSection>& sections) {
+  return std::any_of(sections.begin(), sections.end(), [&fact](const IniSection& section) {
+    return section.name == fact.section &&
+           std::any_of(section.entries.begin(), section.entries.end(),
+                       [&fact](const IniEntry& entry) { return entry.key == fact.key; });
+  });
+}
+
+std::optional<LoadError> StateSection(const IniSection& section, Machine& machine) {
+  const std::string shown = "[" + Utf8FromCodePage(section.name) + "]";
+  if (!IsSection(section.name)) {
+    return LoadError{"", section.line, "there is no section " + shown};
+  }
+  for (const IniEntry& entry : section.entries) {
+    const std::string key = Utf8FromCodePage(entry.key);
+    const Fact* const fact = FindFact(section.name, entry.key);
+    if (fact == nullptr)
+      return LoadError{"", entry.line, "section " + shown + " has no key " + key};
+    const std::string reason = fact->read(machine, entry.key, entry.value);
+    if (!reason.empty()) return LoadError{"", entry.line, key + ": " + reason};
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::vector<std::pair<string_view, string_view>> MachineFactNames() {
+  std::vector<std::pair<string_view, string_view>> names;
+  for (const Fact& fact : kFacts)
+    names.emplace_back(fact.section, fact.key);
+  return names;
+}
+
+std::optional<LoadError> StateMachineFacts(const std::vector<IniSection>& sections,
+                                           Machine& machine) {
+  for (const IniSection& section : sections) {
+    if (auto error = StateSection(section, machine)) return error;
+  }
+  for (const Fact& fact : kFacts) {
+    if (fact.required && !IsStated(fact, sections)) {
+      const std::string place = "[" + std::string(fact.section) + "] " + std::string(fact.key);
+      return LoadError{"", 0, place + " is missing"};
+    }
+  }
+  const User& user = machine.user;
+  machine.registry.SetCurrentUser(user.registry_key ? *user.registry_key
+                                  : machine.IsNt()  ? user.sid
+                                                    : ".DEFAULT");
+  return std::nullopt;
+}
+
+}  // namespace host

@@ -1,0 +1,162 @@
+// The registry of a described machine: a tree of keys and values in memory.
+//
+// Names and texts are in the machine's code page; case is kept and does not count. A name taken
+// from a 16-bit export may hold characters that the code page does not have: it is kept as the text
+// that 8-bit functions see ("?" for each of them), a zero and the name in UTF-8. What follows the
+// zero keeps such names apart and keeps them from being found by name, as on the real system.
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "platform/host/code_page.h"
+#include "platform/host/windows_types.h"
+
+namespace host {
+
+// Types of values.
+inline constexpr DWORD kRegistryNone = 0;
+inline constexpr DWORD kRegistryText = 1;
+inline constexpr DWORD kRegistryExpandText = 2;
+inline constexpr DWORD kRegistryBinary = 3;
+inline constexpr DWORD kRegistryDword = 4;
+inline constexpr DWORD kRegistryMultiText = 7;
+
+// True for the types whose data NT keeps as 16-bit text.
+constexpr bool IsRegistryText(DWORD type) {
+  return type == kRegistryText || type == kRegistryExpandText || type == kRegistryMultiText;
+}
+
+// The subkeys or the values of one key. Item has a member `name`. Finding by name takes no longer
+// the more there are.
+template <typename Item>
+class NamedItems {
+ public:
+  std::size_t size() const { return items_.size() - removed_; }
+  // None when there is no item of that name.
+  Item* Find(std::string_view name) const;
+  std::shared_ptr<Item> FindShared(std::string_view name) const;
+  // The name must be new.
+  Item& Add(std::shared_ptr<Item> item);
+  // The removed item, or none.
+  std::shared_ptr<Item> Remove(std::string_view name);
+  // The n-th item in the order of adding or, when sorted, of names. None beyond the last.
+  std::shared_ptr<Item> At(std::size_t index, bool sorted) const;
+  // All of them in the order of adding; takes them away when the key goes.
+  std::vector<std::shared_ptr<Item>> TakeAll();
+
+ private:
+  static constexpr std::size_t kNotFound = static_cast<std::size_t>(-1);
+  static constexpr std::size_t kFewItems = 8;  // up to here they are searched one by one
+
+  std::size_t Slot(std::string_view name) const;
+
+  std::vector<std::shared_ptr<Item>> items_;  // empty where one was removed
+  std::size_t removed_ = 0;
+  std::unordered_map<std::string_view, std::size_t, NoCaseHash, NoCaseEqual> slots_;
+  // Slots in the order last asked for; empty when it must be worked out anew.
+  mutable std::vector<std::size_t> order_;
+  mutable bool order_is_sorted_ = false;
+};
+
+struct RegistryValue {
+  RegistryValue(std::string value_name, DWORD value_type, std::string value_data)
+      : name(std::move(value_name)), type(value_type), data(std::move(value_data)) {}
+
+  std::string name;  // empty: the key's default value
+  DWORD type;
+  std::string data;  // bytes; of text types in the code page, with the final zeros they have
+};
+
+struct RegistryKey {
+  explicit RegistryKey(std::string key_name) : name(std::move(key_name)) {}
+  ~RegistryKey();
+  RegistryKey(const RegistryKey&) = delete;
+  RegistryKey& operator=(const RegistryKey&) = delete;
+
+  // Adds the value, or gives the one of that name new contents; it then keeps its place.
+  void SetValue(std::string_view value_name, DWORD type, std::string data);
+  // The subkey of that name, made when there is none.
+  RegistryKey& MakeSubkey(std::string_view subkey_name);
+
+  std::string name;
+  NamedItems<RegistryKey> subkeys;
+  NamedItems<RegistryValue> values;
+  std::optional<DWORD> open_error;  // opening the key fails with this
+  bool removed = false;             // no longer in the tree, though a handle may still hold it
+};
+
+// What 8-bit functions see of a name.
+std::string_view VisibleName(std::string_view name);
+
+enum class Hive { kClassesRoot, kCurrentUser, kLocalMachine, kUsers, kCurrentConfig, kDynData };
+// By its full name ("HKEY_LOCAL_MACHINE") or its usual short one ("HKLM", "HKDD"), case ignored.
+std::optional<Hive> HiveByName(std::string_view name);
+
+// Paths begin with a hive: "HKLM\Software\Example". Empty parts of a path are skipped. HKCR is
+// HKLM\Software\Classes and HKCU is the current user's key under HKU.
+class Registry {
+ public:
+  Registry();
+
+  // Which key under HKU is HKCU; ".DEFAULT" until it is stated, as on Windows 95/98/Me without user
+  // profiles. To be called before anything is put under HKCU.
+  void SetCurrentUser(std::string_view key_under_users);
+
+  // A path that names no hive ends the process with a message: it is a fault of the test.
+  void SetValue(std::string_view path, std::string_view name, DWORD type, std::string_view data);
+  void SetText(std::string_view path, std::string_view name, std::string_view text);
+  void SetExpandText(std::string_view path, std::string_view name, std::string_view text);
+  void SetMultiText(std::string_view path, std::string_view name,
+                    std::initializer_list<std::string_view> texts);
+  void SetDword(std::string_view path, std::string_view name, DWORD number);
+  // Makes the key, empty when it is new.
+  void MakeKey(std::string_view path);
+  // The key is made when needed. Opening it fails; keys below it open, as on NT.
+  void DenyAccess(std::string_view path, DWORD error = ERROR_ACCESS_DENIED);
+  // The key with all below it; false when there is none. A hive itself can't be removed.
+  bool RemoveKey(std::string_view path);
+  bool RemoveValue(std::string_view path, std::string_view name);
+
+  // For the layer. Whoever reads or changes keys while another thread may do so holds the mutex;
+  // the functions above take it themselves.
+  std::recursive_mutex& mutex() const { return mutex_; }
+  // An empty key when nothing was put into the hive yet; Root never changes the registry.
+  std::shared_ptr<RegistryKey> Root(Hive hive) const;
+  RegistryKey& MakeRoot(Hive hive);
+  // Whether anything was put into HKEY_DYN_DATA, a hive that NT does not have.
+  bool HasDynData() const;
+  // None when there is no such key. An empty path is the key itself.
+  static std::shared_ptr<RegistryKey> FindBelow(std::shared_ptr<RegistryKey> key,
+                                                std::string_view path);
+  static RegistryKey& MakeBelow(RegistryKey& key, std::string_view path);
+  // False when there is no such key below, or the path is empty.
+  static bool RemoveBelow(RegistryKey& key, std::string_view path);
+
+ private:
+  // Where a hive lies: HKCR and HKCU are views on other hives.
+  struct Place {
+    std::shared_ptr<RegistryKey> tree;
+    std::string_view path;
+  };
+  Place PlaceOf(Hive hive) const;
+  static Hive HiveOfPath(std::string_view& path);
+  RegistryKey& MakePath(std::string_view path);
+
+  mutable std::recursive_mutex mutex_;
+  std::shared_ptr<RegistryKey> local_machine_;
+  std::shared_ptr<RegistryKey> users_;
+  std::shared_ptr<RegistryKey> current_config_;
+  std::shared_ptr<RegistryKey> dyn_data_;
+  std::string current_user_ = ".DEFAULT";
+};
+
+}  // namespace host

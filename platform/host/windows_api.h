@@ -1,0 +1,11 @@
+// The platform's interface as the Linux program sees it: the same names, types and constants as on
+// Windows, only those that the program uses, one header per library.
+#pragma once
+
+#include "platform/host/advapi32.h"
+#include "platform/host/comctl32.h"
+#include "platform/host/gdi32.h"
+#include "platform/host/kernel32.h"
+#include "platform/host/shell32.h"
+#include "platform/host/user32.h"
+#include "platform/host/windows_types.h"
