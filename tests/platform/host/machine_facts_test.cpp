@@ -1,0 +1,239 @@
+#include "platform/host/machine_facts.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <functional>
+#include <set>
+
+#include "platform/host/advapi32.h"
+#include "platform/host/kernel32.h"
+
+namespace host {
+namespace {
+
+using namespace std::string_literals;
+
+const std::string kVersion = "[Version]\nMajor=5\nMinor=0\nBuild=2195\nPlatform=2\n";
+
+// The text of the error, or an empty one.
+std::string State(const std::string& ini, Machine& machine) {
+  std::vector<IniSection> sections;
+  auto error = ReadIniText(ini, sections);
+  if (!error) error = StateMachineFacts(sections, machine);
+  return error ? std::to_string(error->line) + ": " + error->reason : "";
+}
+
+TEST(MachineFacts, EveryFactArrives) {
+  Machine machine;
+  ASSERT_EQ(State(R"([Version]
+Major=4
+Minor=10
+Build=0x040A08AE
+Platform=1
+ServicePackText=" A "
+ProductType=2
+ServicePackMajor=3
+ServicePackMinor=4
+SuiteMask=0xFFFF
+ExtendedRecord=no
+[Clock]
+LocalTime=1999-12-31 23:58:57.006
+TickCount=4294967295
+[Computer]
+Name=KÜCHE
+[User]
+Name=karin
+Account=Karin
+Domain=OFFICE
+Imitated=LAB\bert
+Sid=S-1-5-21-1-2-3-500
+RegistryKey=karin
+[Locale]
+Language=Deutsch (Österreich)
+EnglishLanguage=German
+[Folders]
+Windows=C:\WINDOWS
+System=C:\WINDOWS\SYSTEM
+Temp=C:\WINDOWS\TEMP\
+[SpecialFolders]
+5=C:\Eigene Dateien
+0x10=C:\WINDOWS\Desktop
+[Screen]
+Width=640
+Height=480
+BitsPerPixel=4
+)",
+                  machine),
+            "");
+  const WindowsVersion& version = machine.version;
+  EXPECT_EQ(version.major, 4u);
+  EXPECT_EQ(version.minor, 10u);
+  EXPECT_EQ(version.build, 0x040A08AEu);
+  EXPECT_EQ(version.platform_id, 1u);
+  EXPECT_EQ(version.service_pack_text, " A ");
+  EXPECT_EQ(version.product_type, 2);
+  EXPECT_EQ(version.service_pack_major, 3);
+  EXPECT_EQ(version.service_pack_minor, 4);
+  EXPECT_EQ(version.suite_mask, 0xFFFF);
+  EXPECT_FALSE(version.extended_record);
+  const LocalTime& time = machine.local_time;
+  const WORD parts[] = {time.year,   time.month,  time.day,          time.hour,
+                        time.minute, time.second, time.milliseconds, time.day_of_week};
+  EXPECT_TRUE(std::ranges::equal(parts, std::array{1999, 12, 31, 23, 58, 57, 6, 5}));
+  EXPECT_EQ(machine.tick_count, 0xFFFFFFFFu);
+  EXPECT_EQ(machine.computer_name, "K\xDC"s + "CHE");
+  EXPECT_EQ(machine.user.name, "karin");
+  EXPECT_EQ(machine.user.account, "Karin");
+  EXPECT_EQ(machine.user.domain, "OFFICE");
+  EXPECT_EQ(machine.user.imitated, "LAB\\bert");
+  EXPECT_EQ(machine.user.sid, "S-1-5-21-1-2-3-500");
+  EXPECT_EQ(machine.locale.language, "Deutsch (\xD6sterreich)");
+  EXPECT_EQ(machine.locale.english_language, "German");
+  EXPECT_EQ(machine.windows_folder, "C:\\WINDOWS");
+  EXPECT_EQ(machine.system_folder, "C:\\WINDOWS\\SYSTEM");
+  EXPECT_EQ(machine.temp_folder, "C:\\WINDOWS\\TEMP\\");
+  EXPECT_EQ(machine.special_folders,
+            (std::map<int, std::string>{{5, "C:\\Eigene Dateien"}, {16, "C:\\WINDOWS\\Desktop"}}));
+  EXPECT_EQ(machine.desktop.screen_size.cx, 640);
+  EXPECT_EQ(machine.desktop.screen_size.cy, 480);
+  EXPECT_EQ(machine.desktop.bits_per_pixel, 4);
+  machine.registry.MakeKey("HKCU\\x");
+  EXPECT_EQ(machine.registry.Root(Hive::kUsers)->subkeys.At(0, false)->name, "karin");
+}
+
+TEST(MachineFacts, TheCurrentUsersKey) {
+  const struct {
+    std::string ini;
+    std::string expected;
+  } rows[] = {
+      {kVersion, "S-1-5-21-1482476501-1644491937-682003330-1003"},
+      {kVersion + "[User]\nSid=S-1-5-21-7", "S-1-5-21-7"},
+      {kVersion + "[User]\nRegistryKey=.DEFAULT", ".DEFAULT"},
+      {"[Version]\nMajor=4\nMinor=0\nBuild=950\nPlatform=1", ".DEFAULT"},
+  };
+  for (const auto& row : rows) {
+    Machine machine;
+    ASSERT_EQ(State(row.ini, machine), "");
+    machine.registry.MakeKey("HKCU\\x");
+    EXPECT_EQ(machine.registry.Root(Hive::kUsers)->subkeys.At(0, false)->name, row.expected);
+  }
+}
+
+TEST(MachineFacts, Libraries) {
+  Machine machine;
+  const std::string library = "KERNEL32.DLL";
+  machine.libraries.Add({.name = "OLD.DLL"});
+  machine.libraries.Add({.name = "PART.DLL",
+                         .exports = {{"One", Export(GetTickCount)},
+                                     {"Two", Export(GetTickCount)},
+                                     {"Three", Export(GetTickCount)}}});
+  ASSERT_EQ(State(kVersion + "[Libraries]\nOLD.DLL=absent\nNEW.DLL=present\n"
+                             "part.dll=without One, Three",
+                  machine),
+            "");
+  EXPECT_EQ(machine.libraries.Load("OLD.DLL", "C:\\WINNT"), nullptr);
+  EXPECT_NE(machine.libraries.Load("NEW.DLL", "C:\\WINNT"), nullptr);
+  const HMODULE part = machine.libraries.Load("PART.DLL", "C:\\WINNT");
+  EXPECT_EQ(machine.libraries.Function(part, "One"), nullptr);
+  EXPECT_NE(machine.libraries.Function(part, "Two"), nullptr);
+  EXPECT_EQ(machine.libraries.Function(part, "Three"), nullptr);
+}
+
+TEST(MachineFacts, DeniedKeys) {
+  Machine machine;
+  ASSERT_EQ(State(kVersion + "[DeniedKeys]\nHKLM\\SECURITY=5\nhku\\S-1-5-18 = 0x57", machine), "");
+  const UseMachine use(machine);
+  HKEY key = nullptr;
+  EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "Security", 0, KEY_READ, &key), 5);
+  EXPECT_EQ(RegOpenKeyExA(HKEY_USERS, "S-1-5-18", 0, KEY_READ, &key), 0x57);
+}
+
+TEST(MachineFacts, Faults) {
+  Machine machine;
+  ASSERT_EQ(State(kVersion + "[Faults]\nGetComputerNameA=always 5\n"
+                             "RegOpenKeyExA=call 2 0x57, call 3  6",
+                  machine),
+            "");
+  EXPECT_EQ(machine.faults.Enter("GetComputerNameA"), 5u);
+  const std::vector<std::optional<DWORD>> expected = {std::nullopt, 0x57, 6, std::nullopt};
+  for (const auto& error : expected)
+    EXPECT_EQ(machine.faults.Enter("RegOpenKeyExA"), error);
+}
+
+TEST(MachineFacts, WhatIsWrong) {
+  const struct {
+    std::string lines;  // after [Version], its four keys and a line "[section]": from line 7
+    std::string section;
+    std::string error;
+  } rows[] = {
+      {"", "Versoin", "6: there is no section [Versoin]"},
+      {"", "clock", "6: there is no section [clock]"},
+      {"Name=a\nname2=b", "Computer", "8: section [Computer] has no key name2"},
+      {"TickCount=", "Clock", "7: TickCount: the value is no number from 0 to 4294967295"},
+      {"TickCount=1s", "Clock", "7: TickCount: the value is no number"},
+      {"TickCount=-1", "Clock", "7: TickCount: the value is no number"},
+      {"TickCount=0x", "Clock", "7: TickCount: the value is no number"},
+      {"TickCount=4294967296", "Clock", "7: TickCount: the value is no number"},
+      {"Width=4294967295", "Screen", "7: Width: the value is no number from 0 to 2147483647"},
+      {"LocalTime=2001-02-29 00:00:00", "Clock", "7: LocalTime: the value is no time"},
+      {"LocalTime=2001-02-28", "Clock", "7: LocalTime: the value is no time"},
+      {"LocalTime=2001-02-28 24:00:00", "Clock", "7: LocalTime: the value is no time"},
+      {"LocalTime=2001-02-28 1:2:3.4.5", "Clock", "7: LocalTime: the value is no time"},
+      {"LocalTime=2001-0x2-28 00:00:00", "Clock", "7: LocalTime: the value is no time"},
+      {"LocalTime=2001-02-28 00:00:00.1000", "Clock", "7: LocalTime: the value is no time"},
+      {"LocalTime=1600-02-28 00:00:00", "Clock", "7: LocalTime: the value is no time"},
+      {"Sid=S-1-5", "User", "7: Sid: the value is no security identifier"},
+      {"Desktop=C:\\", "SpecialFolders", "7: Desktop: the key is no number"},
+      {"16=C:\\\n0x10=D:\\", "SpecialFolders", "8: 0x10: the folder's number stands twice"},
+      {"Software=5", "DeniedKeys", "7: Software: the key is no path that begins with a hive"},
+      {"HKCU\\K=5", "DeniedKeys", "7: HKCU\\K: a key of the user is stated below HKU"},
+      {"HKLM\\K=0", "DeniedKeys", "7: HKLM\\K: the value is no error code"},
+      {"X.DLL=yes", "Libraries", "7: X.DLL: the value is neither"},
+      {"X.DLL=without", "Libraries", "7: X.DLL: the value is neither"},
+      {"X.DLL=without A,,B", "Libraries", "7: X.DLL: the name of a function is missing"},
+      {"GetComputerName=always 5", "Faults", "7: GetComputerName: the layer has no function"},
+      {"Sleep=5", "Faults", "7: Sleep: the value is neither"},
+      {"Sleep=always", "Faults", "7: Sleep: the value is neither"},
+      {"Sleep=always 0", "Faults", "7: Sleep: the value is neither"},
+      {"Sleep=call 5", "Faults", "7: Sleep: the value is neither"},
+      {"Sleep=call 0 5", "Faults", "7: Sleep: the value is neither"},
+      {"Sleep=call 1 5 6", "Faults", "7: Sleep: the value is neither"},
+  };
+  for (const auto& row : rows) {
+    Machine machine;
+    const std::string error = State(kVersion + "[" + row.section + "]\n" + row.lines, machine);
+    EXPECT_EQ(error.substr(0, row.error.size()), row.error) << row.lines;
+  }
+  Machine machine;
+  EXPECT_EQ(State("[Version]\nMajor=4\nMinor=0\nBuild=950", machine),
+            "0: [Version] Platform is missing");
+  EXPECT_EQ(State(kVersion + "ServicePackText=" + std::string(128, 'x'), machine),
+            "6: ServicePackText: the text is longer than the 127 characters of its field");
+  EXPECT_EQ(State(kVersion + "ExtendedRecord=1", machine),
+            "6: ExtendedRecord: the value is neither \"yes\" nor \"no\"");
+  EXPECT_EQ(State(kVersion + "ProductType=256", machine),
+            "6: ProductType: the value is no number from 0 to 255");
+}
+
+// docs/machines.md has a heading "### [Section]" and a table row "| `Key` |" for each of them.
+TEST(MachineFacts, TheDescriptionNamesThemAll) {
+  std::ifstream stream(HOSTSCOPE_SOURCE_FOLDER "/docs/machines.md");
+  ASSERT_TRUE(stream.is_open());
+  std::set<std::pair<std::string, std::string>> described;
+  std::string section;
+  for (std::string line; std::getline(stream, line);) {
+    if (line.starts_with("#")) section.clear();
+    if (line.starts_with("### [")) section = line.substr(5, line.find(']') - 5);
+    if (!section.empty() && line.starts_with("| `")) {
+      described.emplace(section, line.substr(3, line.find('`', 3) - 3));
+    }
+  }
+  std::set<std::pair<std::string, std::string>> facts;
+  for (const auto& [fact_section, key] : MachineFactNames())
+    facts.emplace(fact_section, key);
+  EXPECT_EQ(described, facts);
+}
+
+}  // namespace
+}  // namespace host

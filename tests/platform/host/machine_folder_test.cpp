@@ -1,0 +1,153 @@
+#include "platform/host/machine_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <fstream>
+
+#include "platform/host/advapi32.h"
+#include "platform/host/kernel32.h"
+
+namespace host {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+
+class MachineFolder : public testing::Test {
+ protected:
+  MachineFolder() {
+    const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
+    folder_ = fs::path(testing::TempDir()) / ("machine_folder_"s + test->name());
+    fs::remove_all(folder_);
+    fs::create_directories(folder_);
+    Write("machine.ini", "[Version]\nMajor=4\nMinor=10\nBuild=1\nPlatform=1\n");
+  }
+  ~MachineFolder() override { fs::remove_all(folder_); }
+
+  void Write(const std::string& name, const std::string& bytes) {
+    fs::create_directories((folder_ / name).parent_path());
+    std::ofstream(folder_ / name, std::ios::binary) << bytes;
+  }
+  // The text of the error, or an empty one.
+  std::string Load() {
+    machine_.emplace();
+    const auto error = LoadMachine(folder_, *machine_);
+    return error ? error->Text() : "";
+  }
+
+  fs::path folder_;
+  std::optional<Machine> machine_;
+};
+
+TEST_F(MachineFolder, RegistryFilesComeInTheOrderOfTheirNames) {
+  Write("b.reg", "REGEDIT4\n[HKEY_LOCAL_MACHINE\\K]\n@=\"b\"\n");
+  Write("a.reg", "REGEDIT4\n[HKEY_LOCAL_MACHINE\\K]\n@=\"a\"\n\"a\"=\"a\"\n");
+  Write("B2.REG", "REGEDIT4\n[HKEY_LOCAL_MACHINE\\K]\n@=\"B2\"\n");
+  ASSERT_EQ(Load(), "");
+  const auto key = Registry::FindBelow(machine_->registry.Root(Hive::kLocalMachine), "K");
+  EXPECT_EQ(key->values.size(), 2u);
+  EXPECT_EQ(key->values.Find("")->data, "b\0"s);
+}
+
+TEST_F(MachineFolder, TheCurrentUserIsKnownBeforeTheRegistry) {
+  Write("machine.ini",
+        "[Version]\nMajor=5\nMinor=0\nBuild=1\nPlatform=2\n[User]\nSid=S-1-5-21-4\n");
+  Write("a.reg", "REGEDIT4\n[HKEY_USERS\\S-1-5-21-4\\K]\n");
+  ASSERT_EQ(Load(), "");
+  EXPECT_NE(Registry::FindBelow(machine_->registry.Root(Hive::kCurrentUser), "K"), nullptr);
+}
+
+TEST_F(MachineFolder, Drives) {
+  Write("drives/C/FILE.TXT", "on c");
+  Write("drives/d/file.txt", "on d");
+  Write("drives/.keep", "");
+  ASSERT_EQ(Load(), "");
+  std::string content;
+  EXPECT_EQ(machine_->files.ReadWhole("C:\\file.txt", content), 0u);
+  EXPECT_EQ(content, "on c");
+  EXPECT_EQ(machine_->files.ReadWhole("D:\\file.txt", content), 0u);
+  EXPECT_EQ(content, "on d");
+}
+
+TEST_F(MachineFolder, WhatIsNoPartOfIt) {
+  Write("README.md", "");
+  Write("notes.txt", "");
+  Write(".hidden", "");
+  EXPECT_EQ(Load(), "");
+  Write("machin.ini", "");
+  EXPECT_EQ(Load(), "machin.ini: a machine folder has no part of that name");
+  fs::remove(folder_ / "machin.ini");
+  fs::create_directories(folder_ / "Drives");
+  EXPECT_EQ(Load(), "Drives: a machine folder has no part of that name");
+}
+
+TEST_F(MachineFolder, Errors) {
+  const struct {
+    std::string file;
+    std::string bytes;
+    std::string error;
+  } rows[] = {
+      {"a.reg", "REGEDIT4\n\nx", "a.reg:3: this is no key"},
+      {"drives/CD/x", "", "drives/CD: it is no folder named by a drive letter"},
+      {"drives/1/x", "", "drives/1: it is no folder named by a drive letter"},
+      {"drives/E", "", "drives/E: it is no folder named by a drive letter"},
+      {"drives", "", "drives: it cannot be read"},
+      {"machine.ini", "[Version]\nMajor=4\nMinor=x\n",
+       "machine.ini:3: Minor: the value is no number"},
+      {"machine.ini", "[Version\n", "machine.ini:1: the section has no closing bracket"},
+      {"machine.ini", "", "machine.ini: [Version] Major is missing"},
+  };
+  for (const auto& row : rows) {
+    Write(row.file, row.bytes);
+    EXPECT_EQ(Load().substr(0, row.error.size()), row.error) << row.file;
+    fs::remove_all(folder_ / fs::path(row.file).begin()->string());
+  }
+  fs::remove(folder_ / "machine.ini");
+  EXPECT_EQ(Load(), "machine.ini: it cannot be read");
+  fs::remove_all(folder_);
+  EXPECT_EQ(Load(), folder_.string() + ": the machine folder cannot be read");
+}
+
+// The samples load, and answer what their users would know of them.
+TEST(SampleMachines, AnswerThroughTheLayer) {
+  const struct {
+    const char* name;
+    DWORD platform_id;
+    const char* user;
+    const char* key;
+    const char* value;
+    std::string data;
+  } rows[] = {
+      {"win98se", 1, "Karin", "Enum\\Root\\*PNP0C01\\0000", "BIOSVersion", "4.51 PG\0"s},
+      {"nt40", 2, "hwilson", "SYSTEM\\CurrentControlSet\\Control\\Windows", "CSDVersion",
+       "\0\6\0\0"s},
+      {"winxp", 2, "Ren\351e", "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion", "CurrentVersion",
+       "5.1\0"s},
+  };
+  for (const auto& row : rows) {
+    Machine machine;
+    const auto error =
+        LoadMachine(fs::path(HOSTSCOPE_SOURCE_FOLDER "/machines") / row.name, machine);
+    ASSERT_EQ(error, std::nullopt) << error->Text();
+    const UseMachine use(machine);
+    char user[UNLEN + 1] = "";
+    DWORD size = sizeof(user);
+    EXPECT_EQ(machine.version.platform_id, row.platform_id) << row.name;
+    EXPECT_TRUE(GetUserNameA(user, &size)) << row.name;
+    EXPECT_STREQ(user, row.user) << row.name;
+    HKEY key = nullptr;
+    ASSERT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, row.key, 0, KEY_QUERY_VALUE, &key), 0) << row.name;
+    BYTE data[64];
+    size = sizeof(data);
+    EXPECT_EQ(RegQueryValueExA(key, row.value, nullptr, nullptr, data, &size), 0) << row.name;
+    EXPECT_EQ(std::string(reinterpret_cast<char*>(data), size), row.data) << row.name;
+    EXPECT_EQ(RegCloseKey(key), 0);
+    const std::string win_ini = machine.windows_folder + "\\WIN.INI";
+    EXPECT_NE(GetFileAttributesA(win_ini.c_str()), INVALID_FILE_ATTRIBUTES) << row.name;
+    EXPECT_NE(GetFileAttributesA(machine.temp_folder.c_str()), INVALID_FILE_ATTRIBUTES) << row.name;
+  }
+}
+
+}  // namespace
+}  // namespace host
