@@ -1,0 +1,351 @@
+// Version, names and folders of the system, memory, libraries, threads, accounts and the shell. The
+// values are the machine's own; what is held here is how the calls hand them over.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstring>
+#include <string>
+#include <thread>
+
+#include "tests/contract/contract_machine.h"
+
+namespace contract {
+namespace {
+
+class SystemContract : public testing::Test {
+ protected:
+  Place place;
+};
+
+// ---- version and time ----
+
+TEST_F(SystemContract, VersionRecordSizes) {
+  for (const DWORD size : {148, 156, 0, 147, 149, 155, 157, 512}) {
+    OSVERSIONINFOEXA version;
+    std::memset(&version, 0xAA, sizeof version);
+    version.dwOSVersionInfoSize = size;
+    const BOOL read = GetVersionExA(reinterpret_cast<LPOSVERSIONINFOA>(&version));
+    const std::string text = "size " + std::to_string(size);
+    ExpectAnswer(text, size == 148 || size == 156 ? "yes" : "122", Outcome(read));
+    if (!read) continue;
+    ExpectAnswer(text + ", platform", VER_PLATFORM_WIN32_NT, version.dwPlatformId);
+    ExpectAnswer(text + ", text ends", true, std::memchr(version.szCSDVersion, 0, 128) != nullptr);
+    ExpectAnswer(text + ", product type told", size == 156,
+                 version.wProductType >= 1 && version.wProductType <= 3);
+    ExpectAnswer(text + ", behind the record", size == 148, version.wServicePackMajor == 0xAAAA);
+  }
+}
+
+TEST_F(SystemContract, TickCountNeverFalls) {
+  DWORD last = GetTickCount();
+  for (int i = 0; i < 1000; ++i) {
+    const DWORD now = GetTickCount();
+    ASSERT_LT(now - last, 0x80000000u);
+    last = now;
+  }
+}
+
+// ---- names and folders ----
+
+TEST_F(SystemContract, ComputerName) {
+  std::string name(64, '~');
+  DWORD size = MAX_COMPUTERNAME_LENGTH + 1;
+  ASSERT_TRUE(GetComputerNameA(name.data(), &size));
+  const DWORD length = static_cast<DWORD>(std::strlen(name.c_str()));
+  EXPECT_GT(length, 0u);
+  ExpectAnswer("size is the length", length, size);
+  size = length + 1;
+  ExpectAnswer("just fits", "yes", Outcome(GetComputerNameA(name.data(), &size)));
+  for (const DWORD room : {length, DWORD{0}}) {
+    name.assign(64, '~');
+    size = room;
+    const std::string text = "room for " + std::to_string(room);
+    ExpectAnswer(text, "111", Outcome(GetComputerNameA(name.data(), &size)));
+    ExpectAnswer(text + ", size needed", length + 1, size);
+    ExpectAnswer(text + ", behind the buffer", "~", name.substr(room, 1));
+  }
+}
+
+TEST_F(SystemContract, Folders) {
+  static constexpr struct {
+    const char* name;
+    UINT (*read)(LPSTR, UINT);
+    bool separator;
+  } kRows[] = {
+      {"Windows", [](LPSTR text, UINT size) { return GetWindowsDirectoryA(text, size); }, false},
+      {"system", [](LPSTR text, UINT size) { return GetSystemDirectoryA(text, size); }, false},
+      {"temp", [](LPSTR text, UINT size) -> UINT { return GetTempPathA(size, text); }, true}};
+  for (const auto& row : kRows) {
+    const std::string name = row.name;
+    std::string text(MAX_PATH + 1, '~');
+    const UINT length = row.read(text.data(), MAX_PATH);
+    ExpectAnswer(name + ", length", static_cast<long long>(std::strlen(text.c_str())), length);
+    ASSERT_GT(length, 3u) << name;
+    const std::string folder = text.c_str();
+    ExpectAnswer(name + ", drive", ":\\", folder.substr(1, 2));
+    ExpectAnswer(name + ", ends in a separator", row.separator, folder.back() == '\\');
+    ExpectAnswer(name + ", size query", length + 1, row.read(nullptr, 0));
+    ExpectAnswer(name + ", just fits", length, row.read(text.data(), length + 1));
+    for (const UINT size : {length, 1u}) {
+      text.assign(MAX_PATH + 1, '~');
+      ExpectAnswer(name + ", size " + std::to_string(size), length + 1,
+                   row.read(text.data(), size));
+      ExpectAnswer(name + ", behind size " + std::to_string(size), "~~~~", text.substr(size, 4));
+    }
+  }
+}
+
+TEST_F(SystemContract, LocaleInformation) {
+  for (const LCTYPE type : {LOCALE_SLANGUAGE, LOCALE_SENGLANGUAGE}) {
+    const std::string name = "type " + std::to_string(type);
+    const int size = GetLocaleInfoA(LOCALE_USER_DEFAULT, type, nullptr, 0);
+    ASSERT_GT(size, 1) << name;
+    std::string text(static_cast<std::size_t>(size) + 8, '~');
+    ExpectAnswer(name + ", just fits", size,
+                 GetLocaleInfoA(LOCALE_USER_DEFAULT, type, text.data(), size));
+    ExpectAnswer(name + ", length", size - 1, static_cast<long long>(std::strlen(text.c_str())));
+    SetLastError(0);
+    ExpectAnswer(name + ", one too short", 0,
+                 GetLocaleInfoA(LOCALE_USER_DEFAULT, type, text.data(), size - 1));
+    ExpectAnswer(name + ", error", ERROR_INSUFFICIENT_BUFFER, GetLastError());
+  }
+  ExpectAnswer("unknown type", 0, GetLocaleInfoA(LOCALE_USER_DEFAULT, 0xFFFF, nullptr, 0));
+  ExpectAnswer("its error", ERROR_INVALID_FLAGS, GetLastError());
+}
+
+TEST_F(SystemContract, ModuleFileName) {
+  std::string path(32767, '~');
+  const DWORD length = GetModuleFileNameA(nullptr, path.data(), 32767);
+  ExpectAnswer("length", static_cast<long long>(std::strlen(path.c_str())), length);
+  path.resize(length);
+  EXPECT_NE(std::string::npos, path.find_last_of("\\/")) << path;
+  EXPECT_GT(path.find_last_of('.'), path.find_last_of("\\/")) << path;
+
+  std::string cut(64, '~');
+  ExpectAnswer("cut, result", 5, GetModuleFileNameA(nullptr, cut.data(), 5));
+  ExpectAnswer("cut, beginning", path.substr(0, 4), cut.substr(0, 4));
+  ExpectAnswer("cut, behind it", "~~~~", cut.substr(5, 4));
+
+  std::string library(MAX_PATH, '~');
+  library.resize(GetModuleFileNameA(GetModuleHandleA("kernel32"), library.data(), MAX_PATH));
+  ExpectAnswer("a library", 0,
+               lstrcmpiA("\\kernel32.dll", library.c_str() + library.find_last_of('\\')));
+}
+
+TEST_F(SystemContract, CommandLine) {
+  const char* line = GetCommandLineA();
+  ASSERT_NE(nullptr, line);
+  EXPECT_NE('\0', line[0]);
+  EXPECT_TRUE(line[0] != '"' || std::strchr(line + 1, '"') != nullptr) << line;
+  ExpectAnswer("the same text every time", true, line == GetCommandLineA());
+}
+
+// ---- memory ----
+
+TEST_F(SystemContract, Heap) {
+  const HANDLE heap = GetProcessHeap();
+  auto* block = static_cast<char*>(HeapAlloc(heap, HEAP_ZERO_MEMORY, 1000));
+  ASSERT_NE(nullptr, block);
+  ExpectAnswer("zeros", std::string(1000, '\0'), std::string(block, 1000));
+  ExpectAnswer("size", 1000, HeapSize(heap, 0, block));
+  std::memset(block, 'x', 1000);
+  block = static_cast<char*>(HeapReAlloc(heap, HEAP_ZERO_MEMORY, block, 100000));
+  ASSERT_NE(nullptr, block);
+  ExpectAnswer("grown: kept, and zeros behind", std::string(1000, 'x') + std::string(99000, '\0'),
+               std::string(block, 100000));
+  ExpectAnswer("grown size", 100000, HeapSize(heap, 0, block));
+  block = static_cast<char*>(HeapReAlloc(heap, 0, block, 10));
+  ASSERT_NE(nullptr, block);
+  ExpectAnswer("shrunk: kept", std::string(10, 'x'), std::string(block, 10));
+  ExpectAnswer("shrunk size", 10, HeapSize(heap, 0, block));
+  ExpectAnswer("free", "yes", Outcome(HeapFree(heap, 0, block)));
+  void* nothing = HeapAlloc(heap, 0, 0);
+  ExpectAnswer("a block of no bytes", true, nothing != nullptr);
+  ExpectAnswer("its size", 0, HeapSize(heap, 0, nothing));
+  ExpectAnswer("free it", "yes", Outcome(HeapFree(heap, 0, nothing)));
+}
+
+// ---- libraries ----
+
+TEST_F(SystemContract, LibrariesThatAreNotThere) {
+  for (const char* name : {"absent-library.dll", "absent-library", "C:\\absent\\library.dll"}) {
+    SetLastError(0);
+    ExpectAnswer(std::string("load ") + name, true, LoadLibraryA(name) == nullptr);
+    ExpectAnswer(std::string("error for ") + name, ERROR_MOD_NOT_FOUND, GetLastError());
+    SetLastError(0);
+    ExpectAnswer(std::string("handle of ") + name, true, GetModuleHandleA(name) == nullptr);
+    ExpectAnswer(std::string("error for ") + name, ERROR_MOD_NOT_FOUND, GetLastError());
+  }
+  ExpectAnswer("free nothing", FALSE, FreeLibrary(nullptr));
+}
+
+TEST_F(SystemContract, LoadedLibraries) {
+  const HMODULE kernel = GetModuleHandleA("KERNEL32.DLL");
+  ASSERT_NE(nullptr, kernel);
+  ExpectAnswer("the program itself", true, GetModuleHandleA(nullptr) != nullptr);
+  ExpectAnswer("case, and no extension", true, GetModuleHandleA("kernel32") == kernel);
+  ExpectAnswer("function", true, GetProcAddress(kernel, "GetTickCount") != nullptr);
+  for (const char* name : {"gettickcount", "GetTickCoun", "NoSuchFunction"}) {
+    SetLastError(0);
+    ExpectAnswer(name, true, GetProcAddress(kernel, name) == nullptr);
+    ExpectAnswer(std::string(name) + ", error", ERROR_PROC_NOT_FOUND, GetLastError());
+  }
+}
+
+TEST_F(SystemContract, LoadAndFree) {
+  const char* name = kSpareLibrary;
+  ASSERT_EQ(nullptr, GetModuleHandleA(name)) << "something else has loaded " << name;
+  const HMODULE module = LoadLibraryA(name);
+  ASSERT_NE(nullptr, module);
+  ExpectAnswer("loaded", true, GetModuleHandleA(name) == module);
+  ExpectAnswer("loaded again", true, LoadLibraryA(name) == module);
+  ExpectAnswer("function", true, GetProcAddress(module, kSpareFunction) != nullptr);
+  ExpectAnswer("free once", "yes", Outcome(FreeLibrary(module)));
+  ExpectAnswer("still there", true, GetModuleHandleA(name) == module);
+  ExpectAnswer("free again", "yes", Outcome(FreeLibrary(module)));
+  ExpectAnswer("gone", true, GetModuleHandleA(name) == nullptr);
+  ExpectAnswer("free too often", FALSE, FreeLibrary(module));
+}
+
+// ---- threads ----
+
+struct Worker {
+  std::atomic<bool> may_end = false;
+  std::atomic<DWORD> id = 0;
+};
+
+DWORD WINAPI Work(LPVOID parameter) {
+  auto* worker = static_cast<Worker*>(parameter);
+  worker->id = GetCurrentThreadId();
+  while (!worker->may_end)
+    std::this_thread::yield();
+  return 42;
+}
+
+TEST_F(SystemContract, ZeroTimeWait) {
+  Worker worker;
+  DWORD id = 0;
+  const HANDLE thread = CreateThread(nullptr, 0, Work, &worker, 0, &id);
+  ASSERT_NE(nullptr, thread);
+  DWORD code = 0;
+  ExpectAnswer("running", WAIT_TIMEOUT, WaitForSingleObject(thread, 0));
+  ExpectAnswer("running, for a while", WAIT_TIMEOUT, WaitForSingleObject(thread, 20));
+  ExpectAnswer("exit code", "yes", Outcome(GetExitCodeThread(thread, &code)));
+  ExpectAnswer("no exit code yet", STILL_ACTIVE, code);
+  worker.may_end = true;
+  ExpectAnswer("ended", WAIT_OBJECT_0, WaitForSingleObject(thread, 20000));
+  ExpectAnswer("still ended", WAIT_OBJECT_0, WaitForSingleObject(thread, 0));
+  GetExitCodeThread(thread, &code);
+  ExpectAnswer("its result", 42, code);
+  ExpectAnswer("its number", id, worker.id);
+  ExpectAnswer("not this thread", true, id != GetCurrentThreadId());
+  ExpectAnswer("close", "yes", Outcome(CloseHandle(thread)));
+  ExpectAnswer("wait on a closed handle", WAIT_FAILED, WaitForSingleObject(thread, 0));
+  ExpectAnswer("its error", ERROR_INVALID_HANDLE, GetLastError());
+}
+
+DWORD WINAPI ChangeLastError(LPVOID) {
+  const DWORD before = GetLastError();
+  SetLastError(77);
+  return before;
+}
+
+TEST_F(SystemContract, LastErrorIsTheThreadsOwn) {
+  SetLastError(1234);
+  const HANDLE thread = CreateThread(nullptr, 0, ChangeLastError, nullptr, 0, nullptr);
+  ASSERT_NE(nullptr, thread);
+  WaitForSingleObject(thread, 20000);
+  ExpectAnswer("this thread keeps", 1234, GetLastError());
+  DWORD code = 99;
+  GetExitCodeThread(thread, &code);
+  ExpectAnswer("a new thread begins with", 0, code);
+  CloseHandle(thread);
+}
+
+// ---- accounts ----
+
+TEST_F(SystemContract, TokenAccount) {
+  HANDLE token = nullptr;
+  SetLastError(0);
+  ExpectAnswer("thread token", "1008",
+               Outcome(OpenThreadToken(GetCurrentThread(), TOKEN_QUERY, TRUE, &token)));
+  ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token));
+  DWORD needed = 0;
+  SetLastError(0);
+  ExpectAnswer("size query", "122",
+               Outcome(GetTokenInformation(token, TokenUser, nullptr, 0, &needed)));
+  ASSERT_GT(needed, sizeof(TOKEN_USER));
+  alignas(16) char buffer[512] = {};
+  ASSERT_LE(needed, sizeof buffer);
+  DWORD filled = 0;
+  ExpectAnswer("one too short", "122",
+               Outcome(GetTokenInformation(token, TokenUser, buffer, needed - 1, &filled)));
+  ASSERT_TRUE(GetTokenInformation(token, TokenUser, buffer, needed, &filled));
+  ExpectAnswer("close", "yes", Outcome(CloseHandle(token)));
+  ExpectAnswer("closed token", "6",
+               Outcome(GetTokenInformation(token, TokenUser, buffer, 512, &filled)));
+
+  const PSID sid = reinterpret_cast<TOKEN_USER*>(buffer)->User.Sid;
+  char name[512] = "";
+  char domain[512] = "";
+  DWORD name_size = 512;
+  DWORD domain_size = 512;
+  SID_NAME_USE use = SidTypeInvalid;
+  ASSERT_TRUE(LookupAccountSidA(nullptr, sid, name, &name_size, domain, &domain_size, &use));
+  ExpectAnswer("a user", SidTypeUser, use);
+  EXPECT_GT(std::strlen(name), 0u);
+  EXPECT_GT(std::strlen(domain), 0u);
+}
+
+TEST_F(SystemContract, UnknownAccount) {
+  BYTE sid[] = {1, 5, 0, 0, 0, 0, 0, 5, 21, 0, 0,  0, 1, 0,
+                0, 0, 2, 0, 0, 0, 3, 0, 0,  0, 77, 7, 0, 0};
+  char name[512];
+  char domain[512];
+  DWORD name_size = 512;
+  DWORD domain_size = 512;
+  SID_NAME_USE use;
+  ExpectAnswer(
+      "unknown", "1332",
+      Outcome(LookupAccountSidA(nullptr, sid, name, &name_size, domain, &domain_size, &use)));
+}
+
+TEST_F(SystemContract, UserName) {
+  char name[257] = "";
+  DWORD size = sizeof name;
+  ASSERT_TRUE(GetUserNameA(name, &size));
+  const DWORD length = static_cast<DWORD>(std::strlen(name));
+  EXPECT_GT(length, 0u);
+  ExpectAnswer("size counts the zero", length + 1, size);
+  ExpectAnswer("just fits", "yes", Outcome(GetUserNameA(name, &size)));
+  size = length;
+  ExpectAnswer("one too short", "122", Outcome(GetUserNameA(name, &size)));
+  ExpectAnswer("size needed", length + 1, size);
+}
+
+// ---- shell ----
+
+TEST_F(SystemContract, SpecialFolders) {
+  LPMALLOC allocator = nullptr;
+  ASSERT_EQ(NOERROR, SHGetMalloc(&allocator));
+  ASSERT_NE(nullptr, allocator);
+  for (const int folder : {CSIDL_DESKTOPDIRECTORY, CSIDL_PERSONAL}) {
+    LPITEMIDLIST list = nullptr;
+    ASSERT_TRUE(SUCCEEDED(SHGetSpecialFolderLocation(nullptr, folder, &list))) << folder;
+    ASSERT_NE(nullptr, list);
+    char path[MAX_PATH] = "";
+    ExpectAnswer("path of folder " + std::to_string(folder), TRUE,
+                 SHGetPathFromIDListA(list, path));
+    ExpectAnswer("its drive", ":\\", std::string(path).substr(1, 2));
+    allocator->Free(list);
+  }
+  LPITEMIDLIST list = nullptr;
+  ExpectAnswer("no such folder", true, FAILED(SHGetSpecialFolderLocation(nullptr, 0x7777, &list)));
+  ExpectAnswer("its list", true, list == nullptr);
+  char path[MAX_PATH] = "";
+  ExpectAnswer("path of nothing", FALSE, SHGetPathFromIDListA(nullptr, path));
+  allocator->Release();
+}
+
+}  // namespace
+}  // namespace contract
