@@ -1,0 +1,248 @@
+// What happens while the report is being written. The run is held in the middle of an item by
+// letting one call of the system take its time.
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "tests/windows/driver.h"
+#include "tests/windows/expected.h"
+
+namespace drive {
+namespace {
+
+constexpr char kQuestion[] =
+    "System information report has not yet created!\nDo you want abort program?";
+constexpr char kXp[] = "Microsoft Windows XP Professional version 5.1.2600 Service Pack 3";
+
+// A run that stays in the item of the computer name until it is let go.
+class HeldRun {
+ public:
+  explicit HeldRun(const std::string& profile) : call("GetComputerNameA") {
+    folder.Write("test.ini", profile);
+    program = std::make_unique<Program>(folder,
+                                        Start{.arguments = {"test.ini"}, .interceptions = {&call}});
+  }
+  bool WaitUntilHeld() {
+    return call.WaitUntilReached() && program->WaitForLine("Computer name...");
+  }
+  bool IsOnScreen() const { return program->Runs() && IsWindowVisible(program->dialog()); }
+
+  // The check box shows that the input sent before it has been handled.
+  void ExpectCheckBoxAnswers() const {
+    const bool before = program->IsChecked();
+    ClickMiddle(program->CheckBox());
+    EXPECT_TRUE(WaitUntil([&] { return program->IsChecked() != before; }));
+  }
+
+  Folder folder;
+  HeldCall call;
+  std::unique_ptr<Program> program;
+};
+
+void ExpectRunGoesOn(HeldRun& run) {
+  EXPECT_FALSE(run.program->FindMessageBox());
+  run.call.LetAllGo();
+  ASSERT_TRUE(run.program->WaitUntilFinished());
+  EXPECT_EQ(run.program->Lines(), FinishedList());
+  Click(run.program->List(), {20, 2});
+  TypeKey(run.program->dialog(), 'X');
+  EXPECT_EQ(run.program->WaitForExit(), 0u);
+}
+
+TEST(RunningDialog, ListTakesNoKeysAndNoClicks) {
+  HeldRun run(ProfileWith("", "Email=1"));
+  ASSERT_TRUE(run.WaitUntilHeld());
+  Program& program = *run.program;
+  EXPECT_EQ(program.Lines(), (std::vector<std::string>{
+                                 ProgressLine("Windows version...", "Ok"),
+                                 ProgressLine("Windows working time...", "Ok"),
+                                 "Computer name...",
+                             }));
+  for (const int key : {int{'X'}, VK_SPACE, VK_RETURN, VK_UP, VK_DOWN, VK_PRIOR, VK_NEXT, VK_F1})
+    TypeKey(program.dialog(), key);
+  Click(program.List(), {20, 2});
+  run.ExpectCheckBoxAnswers();
+  EXPECT_TRUE(run.IsOnScreen());
+  EXPECT_EQ(program.CurrentLine(), 2);
+  ExpectRunGoesOn(run);
+}
+
+// The report can be read while it is written, but not changed.
+TEST(RunningDialog, ReportIsSharedForReading) {
+  HeldRun run(ProfileWith(""));
+  ASSERT_TRUE(run.WaitUntilHeld());
+  const std::string path = run.folder.Path("hscope.txt");
+  EXPECT_TRUE(run.folder.Read("hscope.txt"));
+  EXPECT_EQ(CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                        OPEN_EXISTING, 0, nullptr),
+            INVALID_HANDLE_VALUE);
+  ExpectRunGoesOn(run);
+}
+
+void ExpectQuestion(const std::optional<MessageBoxShown>& box, HWND dialog) {
+  ASSERT_TRUE(box);
+  EXPECT_EQ(box->caption, "Message");
+  EXPECT_EQ(box->text, kQuestion);
+  EXPECT_EQ(box->buttons, (std::vector<int>{IDYES, IDNO}));
+  EXPECT_EQ(box->owner, dialog);
+}
+
+enum class Way { kEscape, kCloseButton, kSpaceOnCloseButton, kCaption };
+
+// The close box lies where the system says so when it is asked about a point.
+POINT CloseBoxOf(HWND window) {
+  RECT frame = {};
+  GetWindowRect(window, &frame);
+  for (LONG x = frame.right - 1; x > frame.left; --x) {
+    for (LONG y = frame.top; y < frame.top + 30; ++y) {
+      if (Ask(window, WM_NCHITTEST, 0, MAKELPARAM(x, y)) != HTCLOSE) continue;
+      POINT point = {x - 4, y + 4};
+      ScreenToClient(window, &point);
+      return point;
+    }
+  }
+  return {};
+}
+
+void TryToLeave(Program& program, Way way) {
+  switch (way) {
+    case Way::kEscape:
+      TypeKey(program.dialog(), VK_ESCAPE);
+      break;
+    case Way::kCloseButton:
+      ClickMiddle(program.CloseButton());
+      break;
+    case Way::kSpaceOnCloseButton:
+      TypeKey(program.dialog(), VK_TAB);
+      ASSERT_TRUE(WaitUntil([&] { return program.Focus() == program.CloseButton(); }));
+      TypeKey(program.dialog(), VK_SPACE);
+      break;
+    case Way::kCaption:
+      Click(program.dialog(), CloseBoxOf(program.dialog()));
+      break;
+  }
+}
+
+class EveryWay : public testing::TestWithParam<Way> {};
+
+TEST_P(EveryWay, AsksAndGoesOnAfterNo) {
+  HeldRun run(ProfileWith(""));
+  ASSERT_TRUE(run.WaitUntilHeld());
+  TryToLeave(*run.program, GetParam());
+  const auto box = run.program->WaitForMessageBox();
+  ExpectQuestion(box, run.program->dialog());
+  ASSERT_TRUE(Answer(*box, IDNO));
+  EXPECT_TRUE(run.IsOnScreen());
+  ExpectRunGoesOn(run);
+}
+
+TEST_P(EveryWay, ClosesAtOnceWhenTheRunIsOver) {
+  const Folder folder;
+  folder.Write("test.ini", ProfileWith(""));
+  Program program(folder, {.arguments = {"test.ini"}});
+  ASSERT_TRUE(program.WaitUntilFinished());
+  TryToLeave(program, GetParam());
+  EXPECT_EQ(program.WaitForExit(), 0u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Leaving, EveryWay,
+                         testing::Values(Way::kEscape, Way::kCloseButton, Way::kSpaceOnCloseButton,
+                                         Way::kCaption));
+
+// The question may stand while the run comes to its end behind it.
+TEST(RunningDialog, QuestionAnsweredAfterTheEnd) {
+  HeldRun run(ProfileWith(""));
+  ASSERT_TRUE(run.WaitUntilHeld());
+  TypeKey(run.program->dialog(), VK_ESCAPE);
+  const auto box = run.program->WaitForMessageBox();
+  ASSERT_TRUE(box);
+  run.call.LetAllGo();
+  ASSERT_TRUE(run.program->WaitUntilFinished());
+  ASSERT_TRUE(Answer(*box, IDYES));
+  EXPECT_EQ(run.program->WaitForExit(), 0u);
+}
+
+class AbortOnEveryRelease : public testing::TestWithParam<ReleaseCase> {};
+
+TEST_P(AbortOnEveryRelease, AbortedRunLeavesTheReportAsFarAsWritten) {
+  const Release release(GetParam().release);
+  HeldRun run("[SYSTEM]\r\nComputerName=1\r\nUserName=1\r\n");
+  const Clock clock;
+  ASSERT_TRUE(run.WaitUntilHeld());
+  TypeKey(run.program->dialog(), VK_ESCAPE);
+  const auto box = run.program->WaitForMessageBox();
+  ExpectQuestion(box, run.program->dialog());
+  ClickMiddle(GetDlgItem(box->window, IDYES));
+  EXPECT_EQ(run.program->WaitForExit(), 0u);
+  const std::string report = run.folder.Read("hscope.txt").value_or("");
+  const size_t header = report.find("\r\n");
+  ASSERT_NE(header, std::string::npos);
+  EXPECT_TRUE(clock.IsHeader(report.substr(0, header)));
+  EXPECT_EQ(report.substr(header + 2), Joined(SystemBanner()) + Padded("Computer name", 27));
+}
+
+INSTANTIATE_TEST_SUITE_P(Abort, AbortOnEveryRelease, testing::ValuesIn(kReleases),
+                         testing::PrintToStringParamName());
+
+TEST(RunningDialog, QuestionHasTheWarningSign) {
+  Folder folder;
+  folder.Write("test.ini", ProfileWith(""));
+  HeldCall run("GetComputerNameA");
+  HeldCall question("MessageBoxA");
+  Program program(folder, {.arguments = {"test.ini"}, .interceptions = {&run, &question}});
+  ASSERT_TRUE(run.WaitUntilReached());
+  ASSERT_TRUE(program.WaitForDialog());
+  TypeKey(program.dialog(), VK_ESCAPE);
+  ASSERT_TRUE(question.WaitUntilReached());
+  EXPECT_EQ(question.Argument(3), DWORD{MB_YESNO | MB_ICONEXCLAMATION});
+}
+
+// Power fails, or the task list ends the program: what was written is there, the label of the item
+// that it was in included. The working time is written in one piece, its label with it.
+TEST(KilledRun, LeavesEverythingUpToTheItemItWasIn) {
+  struct Row {
+    int item;
+    const char* call;  // that only this item makes, or made in it after others elsewhere
+    const char* release;
+  };
+  const Row rows[] = {
+      {0, "GetVersionExA", "winxp"},       {1, "GetTickCount", "winxp"},
+      {2, "GetComputerNameA", "winxp"},    {3, "LookupAccountSidA", "winxp"},
+      {4, "GetLocaleInfoA", "winxp"},      {5, "GetWindowsDirectoryA", "winxp"},
+      {6, "GetSystemDirectoryA", "winxp"}, {7, "GetTempPathA", "winxp"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.call);
+    const Release release(row.release);
+    const Folder folder;
+    folder.Write("test.ini", ProfileWith(""));
+    HeldCall call(row.call);
+    Program program(folder, {.arguments = {"test.ini"}, .interceptions = {&call}});
+    const std::string progress = kSystemItems[row.item].progress;
+    const auto in_the_item = [&] {
+      const auto lines = program.Lines();
+      return !lines.empty() && lines.back() == progress;
+    };
+    ASSERT_TRUE(call.WaitUntilReached());
+    while (!program.WaitForDialog() || !in_the_item()) {
+      call.LetThisCallGo();
+      ASSERT_TRUE(call.WaitUntilReached());
+    }
+    program.Kill();
+    const std::string report = folder.Read("hscope.txt").value_or("");
+    const auto values = SystemValues(kXp, true);
+    std::string expected = Joined(SystemBanner());
+    for (int n = 0; n < row.item; ++n)
+      expected += Padded(kSystemItems[n].label, 27) + values[n] + "\r\n";
+    if (row.item != kWorkingTimeItem) expected += Padded(kSystemItems[row.item].label, 27);
+    std::string written = report.substr(std::min(report.find("\r\n") + 2, report.size()));
+    const std::string working_time = Padded(kSystemItems[kWorkingTimeItem].label, 27);
+    const size_t value = written.find(working_time) + working_time.size();
+    if (row.item > kWorkingTimeItem) written.erase(value, written.find('\r', value) - value);
+    EXPECT_EQ(written, expected);
+  }
+}
+
+}  // namespace
+}  // namespace drive
