@@ -55,6 +55,7 @@ void ProgressList::ScrollTo(LRESULT line) const {
 LRESULT ProgressList::SetCurrentLine(WPARAM wparam) {
   const LRESULT answer = Ask(LB_SETCURSEL, wparam);
   const auto line = static_cast<LRESULT>(wparam);
+  refused_line_ = -1;
   if (answer != LB_ERR || line < 0 || line >= Ask(LB_GETCOUNT)) return answer;
   refused_line_ = line;
   Ask(LB_SETCURSEL, static_cast<WPARAM>(-1));

@@ -71,6 +71,9 @@ TEST(RefusingList, StillFollowsTheRunAndTheKeys) {
   SetFocus(list_box);
   EXPECT_EQ(machine.desktop.Focus(), list_box);
   SetFocus(nullptr);
+  SendMessageA(list_box, LB_SETCURSEL, static_cast<WPARAM>(-1), 0);
+  EXPECT_EQ(SendMessageA(list_box, LB_GETCURSEL, 0, 0), LB_ERR) << "there is none any more";
+  SendMessageA(list_box, LB_SETCURSEL, 39, 0);
   lines.RemoveLastProgressLine();
   EXPECT_EQ(SendMessageA(list_box, LB_GETCURSEL, 0, 0), LB_ERR) << "its current line is gone";
   DestroyWindow(list_box);
