@@ -7,8 +7,6 @@
 namespace host {
 namespace {
 
-using Lock = std::unique_lock<std::mutex>;
-
 // Whether the thread has dealt with all it has and waits, or has left its loops. Locked.
 bool IsAtRest(const DesktopState& state, const MessageQueue& queue) {
   if (queue.thread_ended || state.given_up) return true;
@@ -241,9 +239,13 @@ std::optional<ShownMessageBox> Desktop::OpenMessageBox() const {
 }
 
 bool Desktop::AnswerMessageBox(int answer) {
-  Lock lock(state_->mutex);
+  const Lock lock(state_->mutex);
   if (state_->open_boxes.empty() || state_->open_boxes.back()->answer) return false;
-  state_->open_boxes.back()->answer = answer;
+  OpenBox& open = *state_->open_boxes.back();
+  open.answer = answer;
+  // Its loop waits for a message.
+  const WindowPointer window = state_->Find(open.window);
+  if (window) window->queue->posted.push_back({open.window, WM_NULL, 0, 0, 0, {}});
   state_->Changed();
   return true;
 }

@@ -244,14 +244,24 @@ void Enable(HWND window, bool enable);
 // The width of the frame on each side of a window of the styles.
 RECT FrameWidths(DWORD style, DWORD extended_style);
 
+// ---- user32_default.cpp ----
+
+LRESULT DefaultProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+
 // ---- user32_messages.cpp ----
+
+using Lock = std::unique_lock<std::mutex>;
 
 LRESULT Send(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 bool Post(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
-LRESULT DefaultProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+// Calls the window's procedure on this thread.
 LRESULT Deliver(const MSG& message);
 // Makes the character message of a key message.
 bool Translate(const MSG& message);
+// Carries out the oldest message that another thread has sent; the lock is given up meanwhile.
+void CarryOutOne(DesktopState& state, MessageQueue& queue, Lock& lock);
+
+// ---- user32_queue.cpp ----
 
 enum class Retrieved { kMessage, kQuit, kNothing, kGivenUp };
 struct MessageFilter {

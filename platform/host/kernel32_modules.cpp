@@ -153,7 +153,7 @@ DWORD WINAPI GetModuleFileNameA(HMODULE module, LPSTR buffer, DWORD size) {
     return static_cast<DWORD>(path.size());
   }
   // A path that is cut off has no final zero.
-  std::memcpy(buffer, path.data(), size);
+  path.copy(buffer, size);
   SetLastError(ERROR_INSUFFICIENT_BUFFER);
   return size;
 }

@@ -24,12 +24,12 @@ constexpr std::size_t kSectionLimit = 32767;
 constexpr std::string_view kBlanks = " \t\v\f\x1A";  // the end-of-file mark of old is one
 
 struct Line {
-  std::string key;
-  std::optional<std::string> value;  // none: a line without "="
+  std::string_view key;
+  std::optional<std::string_view> value;  // none: a line without "="
 };
 
 struct Section {
-  std::string name;
+  std::string_view name;
   std::vector<Line> lines;
 };
 
@@ -60,28 +60,8 @@ std::optional<std::string_view> HeaderName(std::string_view line) {
 
 Line ParseLine(std::string_view line) {
   const std::size_t sign = line.find('=');
-  if (sign == std::string_view::npos) return {std::string(line), std::nullopt};
-  return {std::string(Trim(line.substr(0, sign))), std::string(Trim(line.substr(sign + 1)))};
-}
-
-// The lines before the first header make a section without a name.
-std::vector<Section> ParseProfile(std::string_view text, std::size_t section_limit) {
-  std::vector<Section> sections(1);
-  std::size_t section_begin = 0;
-  std::size_t begin = 0;
-  while (begin < text.size()) {
-    const std::size_t end = std::min(text.find_first_of("\r\n", begin), text.size());
-    std::string_view line = text.substr(begin, end - begin);
-    line = Trim(line.substr(0, line.find('\0')));
-    if (const auto name = HeaderName(line)) {
-      sections.push_back({std::string(*name), {}});
-      section_begin = end + 1;
-    } else if (!line.empty() && begin - section_begin < section_limit) {
-      sections.back().lines.push_back(ParseLine(line));
-    }
-    begin = end + 1;
-  }
-  return sections;
+  if (sign == std::string_view::npos) return {line, std::nullopt};
+  return {Trim(line.substr(0, sign)), Trim(line.substr(sign + 1))};
 }
 
 // A name without a folder is looked for in the Windows folder.
@@ -92,31 +72,60 @@ std::string ProfilePath(const Machine& machine, LPCSTR file) {
   return machine.windows_folder + "\\" + std::string(name);
 }
 
-// A file that can't be read is one without sections; the last error says why, and is 0 otherwise.
-std::vector<Section> ReadProfile(LPCSTR file) {
-  const Machine& machine = CurrentMachine();
-  std::string content;
-  const DWORD error = machine.files.ReadWhole(ProfilePath(machine, file), content);
-  SetLastError(error);
-  if (error != ERROR_SUCCESS) return {};
-  return ParseProfile(Decode(std::move(content)), machine.IsNt() ? SIZE_MAX : kSectionLimit);
-}
+// A profile as it is now. One that can't be read has no sections.
+class Profile {
+ public:
+  // The last error says why it can't be read, and is 0 otherwise.
+  explicit Profile(LPCSTR file) {
+    const Machine& machine = CurrentMachine();
+    std::string content;
+    const DWORD error = machine.files.ReadWhole(ProfilePath(machine, file), content);
+    SetLastError(error);
+    text_ = Decode(std::move(content));
+    Parse(machine.IsNt() ? SIZE_MAX : kSectionLimit);
+  }
+  Profile(const Profile&) = delete;
+  Profile& operator=(const Profile&) = delete;
 
-// The first of several sections, or keys, of one name counts.
-const Section* FindSection(const std::vector<Section>& sections, std::string_view name) {
-  const auto found = std::find_if(sections.begin(), sections.end(),
-                                  [&](const auto& s) { return EqualNoCase(s.name, name); });
-  return found == sections.end() ? nullptr : &*found;
-}
+  const std::vector<Section>& sections() const { return sections_; }
+  // The first of several sections, or keys, of one name counts.
+  const Section* Find(std::string_view name) const {
+    const auto found = std::find_if(sections_.begin(), sections_.end(),
+                                    [&](const auto& s) { return EqualNoCase(s.name, name); });
+    return found == sections_.end() ? nullptr : &*found;
+  }
+  std::optional<std::string_view> Value(std::string_view section, std::string_view key) const {
+    const Section* const found = Find(section);
+    if (found == nullptr) return std::nullopt;
+    const auto line = std::find_if(found->lines.begin(), found->lines.end(),
+                                   [&](const Line& l) { return EqualNoCase(l.key, key); });
+    return line == found->lines.end() ? std::nullopt : line->value;
+  }
 
-std::optional<std::string> FindValue(const std::vector<Section>& sections, std::string_view section,
-                                     std::string_view key) {
-  const Section* const found = FindSection(sections, section);
-  if (found == nullptr) return std::nullopt;
-  const auto line = std::find_if(found->lines.begin(), found->lines.end(),
-                                 [&](const Line& l) { return EqualNoCase(l.key, key); });
-  return line == found->lines.end() ? std::nullopt : line->value;
-}
+ private:
+  // The lines before the first header make a section without a name.
+  void Parse(std::size_t section_limit) {
+    const std::string_view text = text_;
+    constexpr std::string_view kBreaks = "\r\n";
+    std::size_t section_begin = 0;
+    std::size_t begin = text.find_first_not_of(kBreaks);
+    while (begin != std::string_view::npos) {
+      const std::size_t end = std::min(text.find_first_of(kBreaks, begin), text.size());
+      std::string_view line = text.substr(begin, end - begin);
+      line = Trim(line.substr(0, line.find('\0')));
+      if (const auto name = HeaderName(line)) {
+        sections_.push_back({*name, {}});
+        section_begin = end + 1;
+      } else if (!line.empty() && begin - section_begin < section_limit) {
+        sections_.back().lines.push_back(ParseLine(line));
+      }
+      begin = text.find_first_not_of(kBreaks, end);
+    }
+  }
+
+  std::string text_;
+  std::vector<Section> sections_ = std::vector<Section>(1);  // views of the text
+};
 
 bool IsComment(const Line& line) {
   return line.key.starts_with(';');
@@ -129,8 +138,7 @@ std::string_view WithoutQuotes(std::string_view text) {
 }
 
 DWORD GiveText(std::string_view text, LPSTR buffer, DWORD size) {
-  const std::size_t length = std::min<std::size_t>(text.size(), size - 1);
-  std::memcpy(buffer, text.data(), length);
+  const std::size_t length = text.copy(buffer, size - 1);
   buffer[length] = '\0';
   return static_cast<DWORD>(length);
 }
@@ -157,9 +165,9 @@ void AddToList(std::string& list, std::string_view text) {
   list.push_back('\0');
 }
 
-std::string SectionNames(const std::vector<Section>& sections) {
+std::string SectionNames(const Profile& profile) {
   std::string list;
-  for (const Section& section : sections) {
+  for (const Section& section : profile.sections()) {
     if (!section.name.empty()) AddToList(list, section.name);
   }
   return list;
@@ -178,7 +186,10 @@ std::string SectionLines(const Section* section) {
   std::string list;
   if (section == nullptr) return list;
   for (const Line& line : section->lines) {
-    if (!IsComment(line)) AddToList(list, line.value ? line.key + "=" + *line.value : line.key);
+    if (IsComment(line)) continue;
+    list.append(line.key);
+    if (line.value) list.append("=").append(*line.value);
+    list.push_back('\0');
   }
   return list;
 }
@@ -186,14 +197,14 @@ std::string SectionLines(const Section* section) {
 DWORD GetString(LPCSTR section, LPCSTR key, LPCSTR fallback, LPSTR buffer, DWORD size,
                 LPCSTR file) {
   if (buffer == nullptr || size == 0) return 0;
-  const std::vector<Section> sections = ReadProfile(file);
-  if (section == nullptr) return GiveList(SectionNames(sections), buffer, size);
+  const Profile profile(file);
+  if (section == nullptr) return GiveList(SectionNames(profile), buffer, size);
   std::string_view text = fallback == nullptr ? "" : fallback;
   if (key == nullptr) {
-    const std::string keys = KeyNames(FindSection(sections, section));
+    const std::string keys = KeyNames(profile.Find(section));
     return keys.empty() ? GiveText(text, buffer, size) : GiveList(keys, buffer, size);
   }
-  const std::optional<std::string> value = FindValue(sections, Trim(section), Trim(key));
+  const std::optional<std::string_view> value = profile.Value(Trim(section), Trim(key));
   if (value) {
     text = *value;
   } else {
@@ -257,6 +268,5 @@ DWORD WINAPI GetPrivateProfileSectionA(LPCSTR section, LPSTR buffer, DWORD size,
     SetLastError(ERROR_INVALID_PARAMETER);
     return 0;
   }
-  const std::vector<Section> sections = ReadProfile(file);
-  return GiveList(SectionLines(FindSection(sections, section)), buffer, size);
+  return GiveList(SectionLines(Profile(file).Find(section)), buffer, size);
 }

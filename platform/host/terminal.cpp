@@ -54,12 +54,20 @@ std::string ButtonText(const ShownMessageBox& box) {
   return text + " (Enter: " + NameOf(box.DefaultButton()) + "): ";
 }
 
-// The button that the key stands for; 0: none.
-int ButtonFor(const ShownMessageBox& box, std::string_view key) {
-  if (key == "\r" || key == "\n") return box.DefaultButton();
-  if (key.size() == 1 && key[0] == kEscape) return box.EscapeButton();
+int ButtonForLetter(const ShownMessageBox& box, char letter) {
+  if (letter == '\r' || letter == '\n') return box.DefaultButton();
   for (const int button : box.Buttons()) {
-    if (key.size() == 1 && UpperCase(key[0]) == NameOf(button)[0]) return button;
+    if (UpperCase(letter) == NameOf(button)[0]) return button;
+  }
+  return 0;
+}
+
+// The button that the bytes read stand for, a key or several typed ahead; 0: none. Escape comes
+// alone; with more behind it, it is another key.
+int ButtonFor(const ShownMessageBox& box, std::string_view keys) {
+  if (keys.starts_with(kEscape)) return keys.size() == 1 ? box.EscapeButton() : 0;
+  for (const char letter : keys) {
+    if (const int button = ButtonForLetter(box, letter)) return button;
   }
   return 0;
 }

@@ -283,6 +283,8 @@ bool EndTheDialog(HWND dialog, INT_PTR result) {
     desktop->Changed();
   }
   Show(dialog, false);
+  // Its loop may be waiting, when another thread has sent what led here.
+  Post(dialog, WM_NULL, 0, 0);
   return true;
 }
 

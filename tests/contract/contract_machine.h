@@ -31,10 +31,6 @@ void ExpectAnswer(const std::string& row, const std::string& expected, const std
 void ExpectAnswer(const std::string& row, long long expected, long long came,
                   const KnownDifference& known = {});
 
-// The same for a condition of its own.
-#define KNOWN_DIFFERENCE(platform, reason, check) \
-  ::contract::ExpectAnswer(#check, true, static_cast<bool>(check), {platform, reason})
-
 // "yes", or the last error of the call that has just answered no.
 std::string Outcome(bool succeeded);
 

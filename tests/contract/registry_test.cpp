@@ -45,7 +45,7 @@ std::string Answer(LONG error, DWORD type, DWORD size, const std::string& bytes)
   std::string answer = std::to_string(error) + ", " +
                        (type == kNoType ? "no type" : std::to_string(type)) + ", " +
                        std::to_string(size);
-  if (error == 0 && !bytes.empty()) answer += ": " + Visible(bytes.substr(0, size));
+  if (error == 0 && !bytes.empty() && size != 0) answer += ": " + Visible(bytes.substr(0, size));
   return answer;
 }
 

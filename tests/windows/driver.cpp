@@ -17,6 +17,7 @@ constexpr int kListId = 102;
 constexpr int kCheckBoxId = 1002;
 constexpr int kCloseId = 2;
 constexpr int kMessageTextId = 0xFFFF;
+constexpr DWORD kStepMilliseconds = 5;
 
 std::mutex started_lock;
 std::set<DWORD> started;
@@ -106,14 +107,24 @@ void SendMouse(HWND window, POINT point, DWORD flags) {
   SendInput(1, &input, sizeof(input));
 }
 
+bool HasTheFocus(HWND window) {
+  GUITHREADINFO info = {};
+  info.cbSize = sizeof(info);
+  return GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info) &&
+         info.hwndActive == window && (info.hwndFocus == window || IsChild(window, info.hwndFocus));
+}
+
+// The system knows of a new foreground window before the window does, and the window then moves the
+// focus: input in between would go astray.
 void BringToFront(HWND window) {
   const auto in_front = [&] {
     if (!IsWindow(window)) throw std::runtime_error("the window to type into is gone");
-    if (GetForegroundWindow() == window) return true;
+    if (GetForegroundWindow() == window) return HasTheFocus(window);
     SetForegroundWindow(window);
     return false;
   };
   if (!WaitUntil(in_front)) throw std::runtime_error("a window does not come to the front");
+  Ask(window, WM_NULL);
 }
 
 }  // namespace
@@ -296,6 +307,15 @@ void MovePointer(HWND window, POINT client_point) {
 void PressMouseButton(HWND window, POINT client_point) {
   BringToFront(GetAncestor(window, GA_ROOT));
   SendMouse(window, client_point, MOUSEEVENTF_LEFTDOWN);
+}
+
+void DragPointer(HWND window, POINT from, POINT to) {
+  constexpr int kSteps = 20;
+  for (int n = 1; n <= kSteps; ++n) {
+    MovePointer(window,
+                {from.x + (to.x - from.x) * n / kSteps, from.y + (to.y - from.y) * n / kSteps});
+    Sleep(kStepMilliseconds);
+  }
 }
 
 void ReleaseMouseButton(HWND window, POINT client_point) {

@@ -86,6 +86,8 @@ LRESULT Ask(HWND window, UINT message, WPARAM first = 0, LPARAM second = 0);
 void TypeKey(HWND front, WORD virtual_key);
 void MovePointer(HWND window, POINT client_point);
 void PressMouseButton(HWND window, POINT client_point);
+// Moves as a hand does, by many small steps: Wine loses a single one now and then.
+void DragPointer(HWND window, POINT from, POINT to);
 void ReleaseMouseButton(HWND window, POINT client_point);
 void Click(HWND window, POINT client_point);
 void ClickMiddle(HWND window);
