@@ -19,6 +19,11 @@ list(REMOVE_ITEM HOST_SOURCES ${PROJECT_SOURCE_DIR}/platform/host/main.cpp)
 add_library(hostscope OBJECT ${PROGRAM_SOURCES} ${HOST_SOURCES})
 target_include_directories(hostscope PUBLIC ${PROJECT_SOURCE_DIR})
 target_link_libraries(hostscope PUBLIC Threads::Threads)
+if(HOSTSCOPE_SANITIZE)
+  # The plain build goes without, and so finds what a source forgets to include.
+  target_precompile_headers(hostscope PRIVATE <filesystem> <functional> <map> <memory> <string>
+                            <vector>)
+endif()
 
 add_executable(hscope platform/host/main.cpp)
 target_link_libraries(hscope PRIVATE hostscope)

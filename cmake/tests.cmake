@@ -8,6 +8,9 @@ include(GoogleTest)
 function(add_native_tests name)
   add_executable(${name} ${ARGN})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  # Twice as fast to build, and the time of a test goes by in the program and the layer.
+  target_compile_options(${name} PRIVATE -O0)
+  target_precompile_headers(${name} PRIVATE <gtest/gtest.h> <map> <memory> <string> <vector>)
   target_compile_definitions(${name} PRIVATE HOSTSCOPE_SOURCE_FOLDER="${PROJECT_SOURCE_DIR}")
   target_link_libraries(${name} PRIVATE hostscope GTest::gtest GTest::gtest_main)
   gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_MODE PRE_TEST
@@ -53,4 +56,3 @@ add_windows_test(windows.contract ${PROJECT_SOURCE_DIR}/tools/under_wine.sh
                  ${WINDOWS_FOLDER}/contract_tests.exe)
 add_windows_test(windows.exe ${PROJECT_SOURCE_DIR}/tools/under_wine.sh
                  ${WINDOWS_FOLDER}/exe_tests.exe)
-set_tests_properties(windows.exe windows.contract PROPERTIES RUN_SERIAL OFF)
