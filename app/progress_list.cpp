@@ -100,7 +100,7 @@ void ProgressList::PressMouse(LPARAM point) {
   RECT client = {};
   GetClientRect(window_, &client);
   const auto y = static_cast<SHORT>(HIWORD(static_cast<ULONG_PTR>(point)));
-  MakeCurrent(y < client.bottom / 2 ? 0 : SendMessageA(window_, LB_GETCOUNT, 0, 0) - 1);
+  MakeCurrent(2 * y < client.bottom ? 0 : SendMessageA(window_, LB_GETCOUNT, 0, 0) - 1);
 }
 
 LRESULT ProgressList::Handle(UINT message, WPARAM wparam, LPARAM lparam) {

@@ -56,3 +56,6 @@ add_windows_test(windows.contract ${PROJECT_SOURCE_DIR}/tools/under_wine.sh
                  ${WINDOWS_FOLDER}/contract_tests.exe)
 add_windows_test(windows.exe ${PROJECT_SOURCE_DIR}/tools/under_wine.sh
                  ${WINDOWS_FOLDER}/exe_tests.exe)
+# The real exe is started some hundred times, beside whatever else runs.
+set_tests_properties(windows.exe PROPERTIES TIMEOUT 960 ENVIRONMENT
+                     "HSCOPE_EXE=${WINDOWS_FOLDER}/hscope.exe;HOSTSCOPE_TIME_LIMIT=900")

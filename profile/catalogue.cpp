@@ -77,8 +77,8 @@ constexpr CatalogueRow kCatalogue[] = {
     Text<&Settings::report_file_name>("GENERAL", "ReportFileName", ReadMoment::kStartUp,
                                       "hscope.txt"),
     Integer("GENERAL", "CreateMessageBox", ReadMoment::kStartUp, &Settings::create_message_box),
-    Integer("GENERAL", "MessageButtons", ReadMoment::kMessage, &Settings::message_buttons),
     FreeText<&Settings::message>("MESSAGE", ReadMoment::kMessage),
+    Integer("GENERAL", "MessageButtons", ReadMoment::kMessage, &Settings::message_buttons),
 
     Switch("SYSTEM", "WindowsVersion", &Settings::windows_version),
     Switch("SYSTEM", "WorkingTime", &Settings::working_time),

@@ -65,6 +65,7 @@ void ReadRow(const CatalogueRow& row, const char* profile_path, ProfileSettings&
           GetPrivateProfileIntA(row.section, row.key, row.default_number, profile_path));
       return;
     case ReadMethod::kString: {
+      if (row.text == nullptr) return;  // only the search for a profile looks at it
       const std::span<char> field = row.text(settings);
       if (!row.only_when_empty || field.front() == '\0') ReadString(row, profile_path, field);
       return;

@@ -1,5 +1,7 @@
 #include "report/item.h"
 
+#include "util/text.h"
+
 namespace hostscope {
 namespace {
 
@@ -11,7 +13,9 @@ bool IsSwitchedOn(const Item& item, const ProfileSettings& settings) {
   return false;
 }
 
+// What the list shows as done is in the file.
 void ShowResult(const Item& item, ItemRun& run, bool succeeded) {
+  run.report.Flush();
   char line[kFormattedSize + 1] = {};
   wsprintfA(line, "%-25s%s", item.progress_label, succeeded ? "Ok" : "Failed");
   run.progress.RemoveLastProgressLine();

@@ -26,7 +26,7 @@ using Switch = std::int32_t ProfileSettings::*;
 template <Switch... kSwitches>
 inline constexpr std::array<Switch, sizeof...(kSwitches)> kAnyOf{kSwitches...};
 
-// One row of a section. Exactly one of the three functions is set:
+// One row of a section. Exactly one of its three functions is set.
 struct Item {
   // Added to the progress list when the item starts, then replaced by the label with its status
   // word.

@@ -38,6 +38,7 @@ struct ProcessListingState {
 class ProbeContext {
  public:
   ProbeContext();
+  ~ProbeContext() { page_files.Destroy(); }
   ProbeContext(const ProbeContext&) = delete;
   ProbeContext& operator=(const ProbeContext&) = delete;
 

@@ -40,13 +40,28 @@ void WriteHeader(ReportWriter& report) {
 
 // Between the creation of the report file and its closing.
 void WriteReport(ReportWriter& report, ProfileSettings& settings, ProgressLines& progress,
-                 std::span<char> work) {
+                 HeapBuffer& work) {
   ProbeContext context;
   WriteHeader(report);
-  ItemRun run{settings, context, report, progress, work};
+  ItemRun run{settings, context, report, progress, {work.data(), work.size()}};
   for (const Section& section : SectionTable())
     RunSection(section, run);
+  work.Release();
   report.Close();
+}
+
+// Null when the report has been written, else the progress line that says why not.
+const char* MakeReport(const RunState& state, ProfileSettings& settings, ProgressLines& progress) {
+  if (!FileHandle::OpenForReading(state.profile_path.c_str()).open())
+    return "Can not open ini file!";
+  HeapBuffer work(kWorkAreaSize);
+  if (!work.present()) return "Not enough memory!";
+  ReadProfile(state.profile_path.c_str(), ReadMoment::kWorker, settings,
+              {work.data(), work.size()});
+  ReportWriter report(state.report_path.c_str());
+  if (!report.open()) return "Can not open output file!";
+  WriteReport(report, settings, progress, work);
+  return nullptr;
 }
 
 }  // namespace
@@ -54,23 +69,11 @@ void WriteReport(ReportWriter& report, ProfileSettings& settings, ProgressLines&
 void ReportWorker(RunState& state, ProfileSettings& settings, ProgressLines& progress) {
   CreateLists(settings);
   SetCurrentDirectoryA(state.program_folder.c_str());
-  if (!FileHandle::OpenForReading(state.profile_path.c_str()).open()) {
-    progress.AddProgressLine("Can not open ini file!");
+  const char* const obstacle = MakeReport(state, settings, progress);
+  if (obstacle != nullptr) {
+    progress.AddProgressLine(obstacle);
     return;
   }
-  HeapBuffer work(kWorkAreaSize);
-  if (!work.present()) {
-    progress.AddProgressLine("Not enough memory!");
-    return;
-  }
-  const std::span<char> work_area(work.data(), work.size());
-  ReadProfile(state.profile_path.c_str(), ReadMoment::kWorker, settings, work_area);
-  ReportWriter report(state.report_path.c_str());
-  if (!report.open()) {
-    progress.AddProgressLine("Can not open output file!");
-    return;
-  }
-  WriteReport(report, settings, progress, work_area);
   state.run_complete = true;
 }
 

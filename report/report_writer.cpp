@@ -1,5 +1,6 @@
 #include "report/report_writer.h"
 
+#include <cstdarg>
 #include <cstring>
 #include <iterator>
 
@@ -35,8 +36,7 @@ void ReportWriter::WriteFormatted(const char* format, ...) {
   va_start(values, format);
   wvsprintfA(text, format, values);
   va_end(values);
-  // Some systems leave an overlong result without its terminator.
-  text[kFormattedSize - 1] = '\0';
+  EndFormatted(text);
   WriteText(text);
 }
 
@@ -97,6 +97,7 @@ void ReportWriter::Close() {
 
 void FormatReportDate(char (&text)[kReportDateSize]) {
   SYSTEMTIME now = {};
+  text[0] = '\0';
   GetLocalTime(&now);
   const bool named = now.wMonth >= 1 && now.wMonth <= std::size(kMonths);
   wsprintfA(text, "%02u %s %u %02u:%02u", now.wDay, named ? kMonths[now.wMonth - 1] : "", now.wYear,

@@ -2,7 +2,6 @@
 // order.
 #pragma once
 
-#include <cstdarg>
 #include <cstddef>
 
 #include "report/device_record.h"
@@ -15,9 +14,6 @@ namespace hostscope {
 // the value.
 inline constexpr char kLabelFormat[] = "%-27s";
 inline constexpr char kLineEnd[] = "\r\n";
-
-// What the platform's formatter writes at most, terminator included.
-inline constexpr std::size_t kFormattedSize = 1024;
 
 // Room for the text of FormatReportDate, terminator included.
 inline constexpr std::size_t kReportDateSize = 64;

@@ -109,7 +109,7 @@ fetch_release_lists() {
 }
 
 # Wine needs libraries of a second architecture, and the two halves of a library must have the same
-# version. A mirror may give the updates of one architecture only, and then they never match: so next
+# version. An archive may give the updates of one architecture only, and then they never match: so next
 # the release itself is tried, and last with the machine's own halves set back to it.
 install_two_architectures() {
   local folder=$1 older=()

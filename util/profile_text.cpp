@@ -13,9 +13,11 @@ inline constexpr std::size_t kLongestHeader = 64;
 
 // The text after the header [name], or null.
 const char* FindHeaderEnd(const char* text, const char* name) {
-  char header[kLongestHeader + 3];
-  if (TextLength(name) > kLongestHeader) return nullptr;
-  wsprintfA(header, "[%s]", name);
+  char header[kLongestHeader + 3] = "[";
+  const std::size_t length = TextLength(name);
+  if (length > kLongestHeader) return nullptr;
+  CopyText(header + 1, sizeof header - 1, name);
+  header[length + 1] = ']';
   const char* const found = FindText(text, header);
   return found == nullptr ? nullptr : found + TextLength(header);
 }

@@ -15,6 +15,8 @@ inline constexpr std::size_t kListGrowth = 10;
 class RecordArray {
  public:
   RecordArray() = default;
+  RecordArray(const RecordArray&) = delete;
+  RecordArray& operator=(const RecordArray&) = delete;
 
   // Makes the array present and empty; one that was present loses its records. False when there is
   // no memory or a size is 0; the array is then absent.

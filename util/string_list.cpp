@@ -42,8 +42,8 @@ const char* StringList::Get(int index) const {
 void StringList::Sort() {
   if (count() < 2) return;
   auto* const first = texts_.GetAs<char*>(0);
-  // Heap sort: no recursion on a small stack, no worst case. Equal texts are equal byte for byte in
-  // all that the report shows, so their order does not matter.
+  // Heap sort: no recursion on a small stack, no worst case. Texts that compare equal stand in no
+  // particular order.
   const auto before = [](const char* left, const char* right) { return lstrcmpA(left, right) < 0; };
   std::make_heap(first, first + count(), before);
   std::sort_heap(first, first + count(), before);

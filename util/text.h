@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 
 #include "util/heap.h"
 
@@ -43,6 +44,15 @@ void CopyText(char* field, std::size_t size, const char* text);
 template <std::size_t kSize>
 void CopyText(char (&field)[kSize], const char* text) {
   CopyText(field, kSize, text);
+}
+
+// What the platform's formatter (wsprintfA) writes at most, terminator included.
+inline constexpr std::size_t kFormattedSize = 1024;
+
+// Some systems leave an overlong formatted text without its terminator; the area holds at least
+// kFormattedSize characters.
+inline void EndFormatted(std::span<char> area) {
+  area[kFormattedSize - 1] = '\0';
 }
 
 // Exact comparison, byte by byte.

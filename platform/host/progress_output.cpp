@@ -79,15 +79,19 @@ void ProgressOutput::Settle() {
   last_.reset();
   if (interrupted_) {
     held_back_ += line;
+  } else if (!manner_.in_place) {
+    write_(line);
   } else {
-    // In place it may have been shown cut.
-    write_(manner_.in_place ? kStartOver + line : line);
+    write_(shown_cut_ ? kStartOver + line : "\n");
   }
 }
 
 // A line that the terminal would break could not be overwritten, so what is shown of it is cut.
 void ProgressOutput::Show() {
-  if (manner_.in_place && last_ && !interrupted_) write_(Cut(*last_, manner_.width - 1));
+  if (!manner_.in_place || !last_ || interrupted_) return;
+  const std::string shown = Cut(*last_, manner_.width - 1);
+  shown_cut_ = shown.size() < last_->size();
+  write_(shown);
 }
 
 }  // namespace host

@@ -54,20 +54,30 @@ std::string ButtonText(const ShownMessageBox& box) {
   return text + " (Enter: " + NameOf(box.DefaultButton()) + "): ";
 }
 
-int ButtonForLetter(const ShownMessageBox& box, char letter) {
-  if (letter == '\r' || letter == '\n') return box.DefaultButton();
-  for (const int button : box.Buttons()) {
-    if (UpperCase(letter) == NameOf(button)[0]) return button;
+// What is read from a terminal may be several keys. Those that send more than a byte (arrows and
+// the like) are left out; a lone escape byte is the Escape key.
+std::string PlainKeys(std::string_view bytes) {
+  std::string keys;
+  for (std::size_t at = 0; at < bytes.size(); ++at) {
+    const bool sequence = bytes[at] == kEscape && at + 1 < bytes.size() &&
+                          (bytes[at + 1] == '[' || bytes[at + 1] == 'O');
+    if (!sequence) {
+      keys += bytes[at];
+      continue;
+    }
+    ++at;
+    while (++at < bytes.size() && (bytes[at] < '@' || bytes[at] > '~')) {
+    }
   }
-  return 0;
+  return keys;
 }
 
-// The button that the bytes read stand for, a key or several typed ahead; 0: none. Escape comes
-// alone; with more behind it, it is another key.
-int ButtonFor(const ShownMessageBox& box, std::string_view keys) {
-  if (keys.starts_with(kEscape)) return keys.size() == 1 ? box.EscapeButton() : 0;
-  for (const char letter : keys) {
-    if (const int button = ButtonForLetter(box, letter)) return button;
+// The button that the key stands for; 0: none.
+int ButtonFor(const ShownMessageBox& box, char key) {
+  if (key == '\r' || key == '\n') return box.DefaultButton();
+  if (key == kEscape) return box.EscapeButton();
+  for (const int button : box.Buttons()) {
+    if (UpperCase(key) == NameOf(button)[0]) return button;
   }
   return 0;
 }
@@ -207,26 +217,25 @@ class Terminal::Session {
     }
   }
 
-  enum class News { kDesktop, kKey, kInputEnd };
+  enum class News { kDesktop, kKeys, kInputEnd };
 
-  // Waits for a change of the desktop, or for a key when one is asked for.
-  News WaitForNews(std::string* key = nullptr) {
+  // Waits for a change of the desktop, or for keys when they are asked for.
+  News WaitForNews(std::string* keys = nullptr) {
     std::array<pollfd, 3> sources = {{{wake_.get(), POLLIN, 0},
                                       {signals_.get(), POLLIN, 0},
-                                      {key != nullptr ? setting_.input : -1, POLLIN, 0}}};
+                                      {keys != nullptr ? setting_.input : -1, POLLIN, 0}}};
     poll(sources.data(), sources.size(), -1);
     if (sources[0].revents != 0) {
       std::uint64_t count = 0;
       [[maybe_unused]] const ssize_t taken = read(wake_.get(), &count, sizeof(count));
     }
     if (sources[1].revents != 0) TakeSignal();
-    if (key == nullptr || sources[2].revents == 0) return News::kDesktop;
-    // The bytes that one key sends come together.
-    std::array<char, 16> bytes = {};
+    if (keys == nullptr || sources[2].revents == 0) return News::kDesktop;
+    std::array<char, 64> bytes = {};
     const ssize_t size = read(setting_.input, bytes.data(), bytes.size());
     if (size <= 0) return News::kInputEnd;
-    key->assign(bytes.data(), static_cast<std::size_t>(size));
-    return News::kKey;
+    *keys = PlainKeys({bytes.data(), static_cast<std::size_t>(size)});
+    return News::kKeys;
   }
 
   // The first Ctrl+C is the Escape key, which asks the program's own question; the next one, while
@@ -267,15 +276,16 @@ class Terminal::Session {
     BeginQuestion(BoxText(box) + (asks_ ? ButtonText(box) : ""));
     int answer = 0;
     while (asks_ && answer == 0 && !stopping_ && desktop_.OpenMessageBox()) {
-      std::string key;
-      const News news = WaitForNews(&key);
-      if (news == News::kInputEnd) asks_ = false;
-      if (news == News::kKey) answer = ButtonFor(box, key);
+      std::string keys;
+      if (WaitForNews(&keys) == News::kInputEnd) asks_ = false;
+      for (const char key : keys) {
+        if (answer == 0) answer = ButtonFor(box, key);
+      }
     }
     std::string said = NameOf(answer) + "\n";
     if (!asks_) {
       answer = box.Buttons().front();
-      said = "Answered \"" + NameOf(answer) + "\": standard input is no terminal.\n";
+      said = "Answered \"" + NameOf(answer) + "\": there is no terminal to ask at.\n";
     }
     EndQuestion(said);
     if (answer != 0) desktop_.AnswerMessageBox(answer);
@@ -289,14 +299,12 @@ class Terminal::Session {
     BeginQuestion("");
     bool pressed = !asks_;
     while (!pressed && !stopping_ && WaitsForKey() && !desktop_.OpenMessageBox()) {
-      std::string key;
-      const News news = WaitForNews(&key);
-      // What begins like an arrow key would scroll the list.
-      const bool scrolls = key.size() > 1 && key[0] == kEscape;
-      if (news == News::kInputEnd) asks_ = false;
-      pressed = !asks_ || (news == News::kKey && !scrolls);
+      // Keys that would only scroll the list do not count.
+      std::string keys;
+      if (WaitForNews(&keys) == News::kInputEnd) asks_ = false;
+      pressed = !asks_ || !keys.empty();
     }
-    EndQuestion(asks_ ? "" : "Key pressed: standard input is no terminal.\n");
+    EndQuestion(asks_ ? "" : "Key pressed: there is no terminal to ask at.\n");
     if (!pressed) return;
     // Not before the dialog is there to take it.
     while (!stopping_ && !desktop_.KeyPress(VK_SPACE))

@@ -44,6 +44,7 @@ class ProgressOutput {
   std::function<void(const std::string&)> write_;
   Manner manner_;
   std::optional<std::string> last_;  // may still be replaced
+  bool shown_cut_ = false;
   bool interrupted_ = false;
   std::string held_back_;  // settled while interrupted
 };

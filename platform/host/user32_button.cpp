@@ -204,6 +204,7 @@ void MarkFocus(HWND handle, bool focus) {
 }  // namespace
 
 LRESULT ButtonProcedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
+  if (message != WM_NCCREATE && Access(handle).button == nullptr) return 0;
   switch (message) {
     case WM_NCCREATE: {
       const LockedDesktop desktop;

@@ -305,7 +305,7 @@ LRESULT DialogProcedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam)
   const bool ready = message != WM_NCCREATE && message != WM_CREATE;
   const INT_PTR answer =
       ready && procedure != nullptr ? procedure(handle, message, wparam, lparam) : 0;
-  if (AnswersItself(message)) return answer;
+  if (AnswersItself(message) || !IsDialog(handle)) return answer;
   if (answer == 0) return DefaultDialogMessage(handle, message, wparam, lparam);
   const LockedDesktop desktop;
   const WindowPointer window = desktop->Find(handle);

@@ -276,6 +276,7 @@ LRESULT StoreFont(HWND handle, WPARAM font, bool redraw) {
 }  // namespace
 
 LRESULT ListBoxProcedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
+  if (message != WM_NCCREATE && Access(handle).list == nullptr) return 0;
   const auto* list_message =
       std::find_if(std::begin(kListMessages), std::end(kListMessages),
                    [message](const ListMessage& row) { return row.number == message; });

@@ -25,6 +25,7 @@ const char* NameOrNull(const OwnedText& name) {
 bool FormatLanguageNames(const char* local_name, const char* english_name, std::span<char> text) {
   if (local_name != nullptr && english_name != nullptr) {
     wsprintfA(text.data(), "%s (%s)", local_name, english_name);
+    EndFormatted(text);
     return true;
   }
   const char* const name = local_name != nullptr ? local_name : english_name;

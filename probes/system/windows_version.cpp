@@ -172,14 +172,17 @@ void FormatWindowsVersionFacts(const WindowsVersionFacts& facts, std::span<char>
             static_cast<int>(record.dwMajorVersion), static_cast<int>(record.dwMinorVersion),
             static_cast<int>(LOWORD(record.dwBuildNumber)),
             service_pack != nullptr ? service_pack : record.szCSDVersion);
+  EndFormatted(text);
 }
 
 bool FormatWindowsVersion(ProbeContext&, std::span<char> text) {
   text.front() = '\0';
   WindowsVersionFacts facts;
   if (!ReadVersionRecord(facts)) return false;
-  if (facts.record.dwPlatformId == VER_PLATFORM_WIN32_NT && facts.record.dwMajorVersion == 4)
+  if (facts.record.dwPlatformId == VER_PLATFORM_WIN32_NT &&
+      NtRelease(facts.record).product == ProductSource::kRegistry) {
     ReadNt4Registry(facts);
+  }
   FormatWindowsVersionFacts(facts, text);
   return true;
 }

@@ -158,7 +158,7 @@ TEST(ProgressDialog, MovesTheCurrentLineOfAFinishedList) {
   FillList(run, 40);
   RECT client = {};
   GetClientRect(run.list(), &client);
-  const int half = client.bottom / 2;
+  const int half = (client.bottom + 1) / 2;
   struct Row {
     const char* what;
     WPARAM key;  // 0: a click

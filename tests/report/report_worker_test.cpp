@@ -108,6 +108,54 @@ TEST(ReportWorker, TheFileShowsWhichItemIsRunning) {
   EXPECT_EQ(lines, (std::vector<std::string>{"Windows working time...  Ok", "Computer name..."}));
 }
 
+TEST(ReportWorker, WhatTheListShowsAsDoneIsInTheFile) {
+  test::ReportRun run;
+  std::vector<std::string> seen;  // the report at every message to the list
+  run.machine().faults.AtCall("SendMessageA", [&] { seen.push_back(run.Report()); });
+  run.Run("[SYSTEM]\r\nTempFolder=1\r\n");
+  // Four messages replace the last item's line.
+  ASSERT_GT(seen.size(), 4U);
+  for (std::size_t i = seen.size() - 4; i < seen.size(); ++i)
+    EXPECT_TRUE(seen[i].ends_with("Temp folder                C:\\TEMP")) << i << ": " << seen[i];
+}
+
+TEST(Item, LinesOfItsOwnAndSeveralSwitches) {
+  constexpr Item kGood = {.progress_label = "Good...",
+                          .switches = kAnyOf<&ProfileSettings::fdc, &ProfileSettings::hdc>,
+                          .write_lines = [](ItemRun& run) {
+                            run.report.WriteText("good\r\n");
+                            return true;
+                          }};
+  constexpr Item kBad = {.progress_label = "A label of more than 25 letters...",
+                         .switches = kAnyOf<&ProfileSettings::scsi>,
+                         .write_lines = [](ItemRun& run) {
+                           run.report.WriteText("bad\r\n");
+                           return false;
+                         }};
+  struct Row {
+    const char* what;
+    std::int32_t fdc, hdc, scsi;
+    const char* report;
+    std::vector<std::string> progress;
+  };
+  const Row rows[] = {
+      {"nothing on", 0, 0, 0, "", {}},
+      {"the first of two", 1, 0, 0, "good\r\n", {"Good...                  Ok"}},
+      {"the second of two", 0, -1, 0, "good\r\n", {"Good...                  Ok"}},
+      {"failed", 0, 0, 1, "bad\r\n", {"A label of more than 25 letters...Failed"}},
+  };
+  for (const Row& row : rows) {
+    test::ReportRun run;
+    ProfileSettings& settings = run.settings();
+    settings.fdc = row.fdc;
+    settings.hdc = row.hdc;
+    settings.scsi = row.scsi;
+    run.RunItems({kGood, kBad});
+    EXPECT_EQ(run.Report(), row.report) << row.what;
+    EXPECT_EQ(run.Progress(), row.progress) << row.what;
+  }
+}
+
 TEST(ReportWorker, StopsWithoutProfileOrReport) {
   test::ReportRun missing_profile;
   missing_profile.state().profile_path =

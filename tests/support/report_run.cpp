@@ -37,4 +37,14 @@ void ReportRun::Run(std::string_view profile) {
   ReportWorker(*state_, *settings_, progress);
 }
 
+void ReportRun::RunItems(std::initializer_list<Item> items) {
+  ProgressLines progress(list_);
+  ReportWriter report(state_->report_path.c_str());
+  ProbeContext context;
+  std::vector<char> work(32767);
+  ItemRun run{*settings_, context, report, progress, work};
+  for (const Item& item : items)
+    RunItem(item, run);
+}
+
 }  // namespace hostscope::test

@@ -7,6 +7,7 @@
 
 #include "platform/host/machine.h"
 #include "platform/win32.h"
+#include "report/item.h"
 #include "report/report_worker.h"
 #include "tests/support/test_folder.h"
 
@@ -29,6 +30,8 @@ class ReportRun {
 
   // Writes the profile, runs the worker with the report going to report.txt in the folder.
   void Run(std::string_view profile);
+  // Runs the items alone, into the same report.
+  void RunItems(std::initializer_list<Item> items);
   std::string Report() const { return folder_.Read("report.txt"); }
   std::vector<std::string> Progress() const { return machine_.desktop.ListLines(list_); }
 

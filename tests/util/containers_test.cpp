@@ -140,7 +140,6 @@ TEST_F(Containers, SectionBodies) {
 }
 
 TEST_F(Containers, RegistryValues) {
-  const auto open_before = machine_.handles.OpenObjects();
   machine_.registry.SetValue("HKLM\\Software\\Test", "bytes", REG_BINARY, "abc");
   machine_.registry.SetText("HKLM\\Software\\Test", "", "default");
   machine_.registry.SetValue("HKLM\\Software\\Test", "empty", REG_SZ, "");
@@ -166,21 +165,27 @@ TEST_F(Containers, RegistryValues) {
         machine_.registry.SetValue("HKLM\\Software\\Test", "bytes", REG_BINARY, data);
     });
   };
+  const auto open_before = machine_.handles.OpenObjects();
   change_at_second_question("a");
   EXPECT_EQ(read("Software\\Test", "bytes").data.size(), 1U);
   change_at_second_question("abcdefgh");
   EXPECT_FALSE(read("Software\\Test", "bytes").present());
+  EXPECT_EQ(machine_.handles.OpenObjects(), open_before);
 }
 
 TEST_F(Containers, RegistryReadsLeaveNothingOpen) {
   const auto open_before = machine_.handles.OpenObjects();
   machine_.registry.SetDword("HKLM\\Software\\Test", "number", 7);
-  for (const char* call : {"RegOpenKeyExA", "RegQueryValueExA", "HeapAlloc"}) {
-    for (unsigned nth : {1U, 2U}) {
-      machine_.faults.FailNth(call, nth, ERROR_NOT_ENOUGH_MEMORY);
-      ReadRegistryValue(HKEY_LOCAL_MACHINE, "Software\\Test", "number");
-      EXPECT_EQ(machine_.handles.OpenObjects(), open_before) << call << " " << nth;
-    }
+  struct Row {
+    const char* call;
+    unsigned nth;
+  };
+  for (const Row& row : {Row{"RegOpenKeyExA", 1}, Row{"RegQueryValueExA", 1},
+                         Row{"RegQueryValueExA", 2}, Row{"HeapAlloc", 1}}) {
+    machine_.faults.FailNth(row.call, row.nth, ERROR_NOT_ENOUGH_MEMORY);
+    EXPECT_FALSE(ReadRegistryValue(HKEY_LOCAL_MACHINE, "Software\\Test", "number").present())
+        << row.call << " " << row.nth;
+    EXPECT_EQ(machine_.handles.OpenObjects(), open_before) << row.call << " " << row.nth;
   }
 }
 

@@ -199,7 +199,7 @@ TEST(RunningDialog, QuestionHasTheWarningSign) {
 }
 
 // Power fails, or the task list ends the program: what was written is there, the label of the item
-// that it was in included. The working time is written in one piece, its label with it.
+// that it was in included.
 TEST(KilledRun, LeavesEverythingUpToTheItemItWasIn) {
   struct Row {
     int item;
@@ -233,7 +233,7 @@ TEST(KilledRun, LeavesEverythingUpToTheItemItWasIn) {
     std::string expected = Joined(SystemBanner());
     for (int n = 0; n < row.item; ++n)
       expected += Padded(kSystemItems[n].label, 27) + values[n] + "\r\n";
-    if (row.item != kWorkingTimeItem) expected += Padded(kSystemItems[row.item].label, 27);
+    expected += Padded(kSystemItems[row.item].label, 27);
     std::string written = report.substr(std::min(report.find("\r\n") + 2, report.size()));
     const std::string working_time = Padded(kSystemItems[kWorkingTimeItem].label, 27);
     const size_t value = written.find(working_time) + working_time.size();

@@ -1,5 +1,8 @@
 #include "tests/windows/opened_target.h"
 
+#include <cstddef>
+#include <cstring>
+
 namespace drive {
 namespace {
 
@@ -13,13 +16,24 @@ std::string InQuotes(const std::string& text) {
   return "\"" + text + "\"";
 }
 
+// A copy of this program without a console, whose window would cover the screen.
+std::string MakeBrowser(const Folder& folder) {
+  std::string image = ReadFileBytes(OwnPath()).value();
+  IMAGE_DOS_HEADER start;
+  std::memcpy(&start, image.data(), sizeof(start));
+  const size_t subsystem = start.e_lfanew + offsetof(IMAGE_NT_HEADERS32, OptionalHeader.Subsystem);
+  image[subsystem] = IMAGE_SUBSYSTEM_WINDOWS_GUI;
+  folder.Write("browser.exe", image);
+  return folder.Path("browser.exe");
+}
+
 }  // namespace
 
 WebBrowser::WebBrowser(const Folder& folder)
     : record_path_(folder.Path("opened.txt")),
-      command_(RegistryValue::Text(
-          HKEY_CLASSES_ROOT, "http\\shell\\open\\command", "",
-          InQuotes(OwnPath()) + " " + kRecordSwitch + " " + InQuotes(record_path_) + " \"%1\"")) {}
+      command_(RegistryValue::Text(HKEY_CLASSES_ROOT, "http\\shell\\open\\command", "",
+                                   InQuotes(MakeBrowser(folder)) + " " + kRecordSwitch + " " +
+                                       InQuotes(record_path_) + " \"%1\"")) {}
 
 std::optional<OpenedTarget> WebBrowser::WaitForTarget() const {
   std::optional<std::string> record;

@@ -40,13 +40,13 @@ TEST(ProgressOutput, WritesLinesThatStayOrOverwritesTheLast) {
     const char* plain;
     const char* in_place;  // "~" begins the line anew
   } kRows[] = {
-      {"one line", "+a.", "a\n", "a~a\n"},
-      {"replaced", "+a...|-|+a... Ok|+b.", "a... Ok\nb\n", "a...~a... Ok~a... Ok\nb~b\n"},
-      {"removed", "+a|+b|-|.", "a\n", "a~a\nb~"},
-      {"removed twice", "+a|+b|-|-|.", "a\n", "a~a\nb~"},
+      {"one line", "+a.", "a\n", "a\n"},
+      {"replaced", "+a...|-|+a... Ok|+b.", "a... Ok\nb\n", "a...~a... Ok\nb\n"},
+      {"removed", "+a|+b|-|.", "a\n", "a\nb~"},
+      {"removed twice", "+a|+b|-|-|.", "a\n", "a\nb~"},
       {"too wide to overwrite", "+0123456789|.", "0123456789\n", "012345678~0123456789\n"},
-      {"interrupted", "+a|(|-|+a Ok|+b|)|.", "a Ok\nb\n", "a~a Ok\nb~b\n"},
-      {"finished twice", "+a|.|.", "a\n", "a~a\n"},
+      {"interrupted", "+a|(|-|+a Ok|+b|)|.", "a Ok\nb\n", "a~a Ok\nb\n"},
+      {"finished twice", "+a|.|.", "a\n", "a\n"},
   };
   for (const auto& row : kRows) {
     for (const bool in_place : {false, true}) {
@@ -185,8 +185,8 @@ TEST(Terminal, AnswersForNobody) {
     }
   }
   output.CloseWriting();
-  EXPECT_EQ(output.ReadUntil("no terminal.\n"),
-            "Item... Ok\n\nPress any key...\nKey pressed: standard input is no terminal.\n");
+  EXPECT_EQ(output.ReadUntil("to ask at.\n"),
+            "Item... Ok\n\nPress any key...\nKey pressed: there is no terminal to ask at.\n");
 }
 
 TEST(Terminal, AnswersABoxWithItsFirstButton) {
@@ -203,8 +203,8 @@ TEST(Terminal, AnswersABoxWithItsFirstButton) {
               IDYES);
   }
   output.CloseWriting();
-  EXPECT_EQ(output.ReadUntil("no terminal.\n"),
-            "[C]\nGr\u00FC\u00DFe\n?\nAnswered \"Yes\": standard input is no terminal.\n");
+  EXPECT_EQ(output.ReadUntil("to ask at.\n"),
+            "[C]\nGr\u00FC\u00DFe\n?\nAnswered \"Yes\": there is no terminal to ask at.\n");
 }
 
 TEST(Terminal, AsksWhoIsThere) {
