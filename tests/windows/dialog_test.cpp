@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "tests/windows/driver.h"
+#include "tests/windows/every_release.h"
 #include "tests/windows/expected.h"
 #include "tests/windows/opened_target.h"
 
@@ -115,7 +116,9 @@ TEST(Dialog, ListIsGreenOnBlack) {
                           [](const auto& one) { return (one.first & RGB(0xFF, 0, 0xFF)) == 0; }));
 }
 
-TEST(FinishedList, ScrollsByKeysAndClicks) {
+class DialogOnEveryRelease : public EveryRelease {};
+
+TEST_P(DialogOnEveryRelease, FinishedListScrollsByKeysAndClicks) {
   FinishedRun run;
   ASSERT_TRUE(run.Wait());
   Program& program = *run.program;
@@ -185,7 +188,7 @@ TEST(Dialog, TabGoesRoundAndEnterDoesNothing) {
   EXPECT_EQ(program.WaitForExit(), 0u);
 }
 
-TEST(EmailCheckBox, FollowsTheProfile) {
+TEST_P(DialogOnEveryRelease, CheckBoxFollowsTheProfile) {
   struct Row {
     const char* post_run;
     bool checked;
@@ -234,7 +237,7 @@ std::string TextOfTheProgram(const Folder& folder, UINT id) {
 }
 
 // The link lies over the notice, and the notice does not take its clicks.
-TEST(Hyperlink, OpensTheWebAddressMaximised) {
+TEST_P(DialogOnEveryRelease, LinkOpensTheWebAddressMaximised) {
   FinishedRun run;
   ASSERT_TRUE(run.Wait());
   const WebBrowser browser(run.folder);
@@ -257,7 +260,7 @@ TEST(Hyperlink, OpensTheWebAddressMaximised) {
   EXPECT_EQ(run.program->WaitForExit(), 0u);
 }
 
-TEST(CloseButton, DraggingOffReleasesIt) {
+TEST_P(DialogOnEveryRelease, DraggingOffTheCloseButtonReleasesIt) {
   FinishedRun run;
   ASSERT_TRUE(run.Wait());
   const HWND button = run.program->CloseButton();
@@ -268,6 +271,9 @@ TEST(CloseButton, DraggingOffReleasesIt) {
   EXPECT_EQ(run.program->WaitForExit(), 0u);
   ReleaseMouseButton(GetDesktopWindow(), {0, 0});
 }
+
+INSTANTIATE_TEST_SUITE_P(Dialog, DialogOnEveryRelease, testing::ValuesIn(kReleases),
+                         testing::PrintToStringParamName());
 
 }  // namespace
 }  // namespace drive

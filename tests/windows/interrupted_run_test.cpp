@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "tests/windows/driver.h"
+#include "tests/windows/every_release.h"
 #include "tests/windows/expected.h"
 
 namespace drive {
@@ -50,7 +51,9 @@ void ExpectRunGoesOn(HeldRun& run) {
   EXPECT_EQ(run.program->WaitForExit(), 0u);
 }
 
-TEST(RunningDialog, ListTakesNoKeysAndNoClicks) {
+class RunningOnEveryRelease : public EveryRelease {};
+
+TEST_P(RunningOnEveryRelease, ListTakesNoKeysAndNoClicks) {
   HeldRun run(ProfileWith("", "Email=1"));
   ASSERT_TRUE(run.WaitUntilHeld());
   Program& program = *run.program;
@@ -124,17 +127,25 @@ void TryToLeave(Program& program, Way way) {
   }
 }
 
-class EveryWay : public testing::TestWithParam<Way> {};
-
-TEST_P(EveryWay, AsksAndGoesOnAfterNo) {
+void ExpectQuestionAndGoOnAfterNo(Way way) {
   HeldRun run(ProfileWith(""));
   ASSERT_TRUE(run.WaitUntilHeld());
-  TryToLeave(*run.program, GetParam());
+  TryToLeave(*run.program, way);
   const auto box = run.program->WaitForMessageBox();
   ExpectQuestion(box, run.program->dialog());
   ASSERT_TRUE(Answer(*box, IDNO));
   EXPECT_TRUE(run.IsOnScreen());
   ExpectRunGoesOn(run);
+}
+
+class EveryWay : public testing::TestWithParam<Way> {};
+
+TEST_P(EveryWay, AsksAndGoesOnAfterNo) {
+  ExpectQuestionAndGoOnAfterNo(GetParam());
+}
+
+TEST_P(RunningOnEveryRelease, AsksAndGoesOnAfterNo) {
+  ExpectQuestionAndGoOnAfterNo(Way::kEscape);
 }
 
 TEST_P(EveryWay, ClosesAtOnceWhenTheRunIsOver) {
@@ -163,10 +174,7 @@ TEST(RunningDialog, QuestionAnsweredAfterTheEnd) {
   EXPECT_EQ(run.program->WaitForExit(), 0u);
 }
 
-class AbortOnEveryRelease : public testing::TestWithParam<ReleaseCase> {};
-
-TEST_P(AbortOnEveryRelease, AbortedRunLeavesTheReportAsFarAsWritten) {
-  const Release release(GetParam().release);
+TEST_P(RunningOnEveryRelease, AbortedRunLeavesTheReportAsFarAsWritten) {
   HeldRun run("[SYSTEM]\r\nComputerName=1\r\nUserName=1\r\n");
   const Clock clock;
   ASSERT_TRUE(run.WaitUntilHeld());
@@ -182,7 +190,7 @@ TEST_P(AbortOnEveryRelease, AbortedRunLeavesTheReportAsFarAsWritten) {
   EXPECT_EQ(report.substr(header + 2), Joined(SystemBanner()) + Padded("Computer name", 27));
 }
 
-INSTANTIATE_TEST_SUITE_P(Abort, AbortOnEveryRelease, testing::ValuesIn(kReleases),
+INSTANTIATE_TEST_SUITE_P(Running, RunningOnEveryRelease, testing::ValuesIn(kReleases),
                          testing::PrintToStringParamName());
 
 TEST(RunningDialog, QuestionHasTheWarningSign) {

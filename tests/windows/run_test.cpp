@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "tests/windows/driver.h"
+#include "tests/windows/every_release.h"
 #include "tests/windows/expected.h"
 
 namespace drive {
@@ -51,11 +52,10 @@ std::string ReportOf(const Folder& folder, const std::string& profile,
   return folder.Read("hscope.txt").value_or("no report");
 }
 
-class RunOnEveryRelease : public testing::TestWithParam<ReleaseCase> {};
+class RunOnEveryRelease : public EveryRelease {};
 
 TEST_P(RunOnEveryRelease, ReportsTheSystem) {
   const Nt4Facts facts("WINNT", 0x600, 1);
-  const Release release(GetParam().release);
   const Folder folder;
   const std::string profile = ProfileWith("");
   folder.Write("any name.ini", profile);

@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "tests/windows/driver.h"
+#include "tests/windows/every_release.h"
 #include "tests/windows/expected.h"
 
 namespace drive {
@@ -68,10 +69,9 @@ void ExpectCredits(const std::vector<std::string>& lines) {
   EXPECT_EQ(lines[4], kLastLine);
 }
 
-class NoticesOnEveryRelease : public testing::TestWithParam<ReleaseCase> {};
+class NoticesOnEveryRelease : public EveryRelease {};
 
 TEST_P(NoticesOnEveryRelease, WithoutAProfileTheListSaysWhy) {
-  const Release release(GetParam().release);
   const Folder folder;
   EXPECT_EQ(NoticeOf(folder, {}),
             (std::vector<std::string>{"Can not find ini file!", "", kLastLine}));
