@@ -311,6 +311,10 @@ TEST(PreRunMessage, TextIsTheSectionWithItsPlaceholdersFilled) {
        "r.txt" + long_text.substr(8)},
       {"and cuts what is longer", "[MESSAGE]\r\n#RFFOLDER#" + long_text.substr(20),
        (out + long_text.substr(20)).substr(0, 1023)},
+      {"as long as its buffer", "[MESSAGE]\r\n" + std::string(1023, 'm'), std::string(1023, 'm')},
+      {"longer by one", "[MESSAGE]\r\n" + std::string(1024, 'm'), std::string(1023, 'm')},
+      {"much longer", "[MESSAGE]\r\n" + std::string(40000, 'm'), std::string(1023, 'm')},
+      {"a zero byte ends it", std::string("[MESSAGE]\r\none\0two\r\n", 20), "one"},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.what);
@@ -359,6 +363,9 @@ TEST(OddProfile, IsSurvived) {
       {"carriage returns only", "[SYSTEM]\rComputerName=1\r", one_item},
       {"no last line break", "[SYSTEM]\r\nComputerName=1", one_item},
       {"zero bytes behind", on + std::string(5000, '\0'), one_item},
+      {"zero bytes inside a key and a value",
+       std::string("[SYSTEM]\r\nTemp\0Folder=1\r\nUserName=\0001\r\n", 38) + "ComputerName=1\r\n",
+       one_item},
       {"every byte value behind",
        on +
            [] {
