@@ -85,6 +85,28 @@ Data* ControlData(HWND window) {
 }
 void SetControlData(HWND window, void* data);
 
+// The window procedure of a control class. Painting goes to the control's Paint, other messages to
+// its Handle, which says whether it has dealt with one (the answer is 0 then); the rest is the
+// system's.
+template <typename Control>
+class ControlMessages {
+ public:
+  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    auto* const control = ControlData<Control>(window);
+    if (control == nullptr) return DefWindowProcA(window, message, wparam, lparam);
+    if (message == WM_PAINT) {
+      control->Paint();
+      return 0;
+    }
+    if (message == WM_DESTROY) {
+      SetControlData(window, nullptr);
+      return 0;
+    }
+    if (control->Handle(message, wparam, lparam)) return 0;
+    return DefWindowProcA(window, message, wparam, lparam);
+  }
+};
+
 // Has the window painted again over what it shows now.
 void Repaint(HWND window);
 

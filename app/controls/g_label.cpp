@@ -13,7 +13,7 @@ bool GLabel::Create(HWND parent, const GLabelChoice& choice) {
   font_.Take(CreateControlFont(choice.font, DRAFT_QUALITY));
   window_ = CreateControlWindow(parent,
                                 {.class_name = "GLabel",
-                                 .procedure = Procedure,
+                                 .procedure = ControlMessages<GLabel>::Procedure,
                                  .cursor = LoadCursorA(nullptr, IDC_ARROW),
                                  .style = WS_CHILD | WS_VISIBLE,
                                  .id = -1,
@@ -36,22 +36,10 @@ void GLabel::Paint() const {
   painting.DrawLabel(text_, client, 0, format_, text_color_);
 }
 
-LRESULT CALLBACK GLabel::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-  const auto* const label = ControlData<const GLabel>(window);
-  if (label == nullptr) return DefWindowProcA(window, message, wparam, lparam);
-  switch (message) {
-    case WM_PAINT:
-      label->Paint();
-      return 0;
-    case WM_LBUTTONDOWN:
-      SendMessageA(GetParent(window), message, wparam, lparam);
-      return 0;
-    case WM_DESTROY:
-      SetControlData(window, nullptr);
-      return 0;
-    default:
-      return DefWindowProcA(window, message, wparam, lparam);
-  }
+bool GLabel::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
+  if (message != WM_LBUTTONDOWN) return false;
+  SendMessageA(GetParent(window_), message, wparam, lparam);
+  return true;
 }
 
 }  // namespace hostscope

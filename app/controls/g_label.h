@@ -31,7 +31,8 @@ class GLabel {
   HWND window() const { return window_; }
 
  private:
-  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+  friend class ControlMessages<GLabel>;
+  bool Handle(UINT message, WPARAM wparam, LPARAM lparam);
   void Paint() const;
 
   HWND window_ = nullptr;

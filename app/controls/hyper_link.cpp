@@ -17,7 +17,7 @@ bool HyperLink::Create(HWND parent, const HyperLinkChoice& choice) {
   underlined_font_.Take(CreateControlFont(underlined, DRAFT_QUALITY));
   window_ = CreateControlWindow(parent,
                                 {.class_name = "HyperLink",
-                                 .procedure = Procedure,
+                                 .procedure = ControlMessages<HyperLink>::Procedure,
                                  .cursor = LoadCursorA(InstanceOf(parent), IDC_HAND),
                                  .style = WS_CHILD | WS_VISIBLE,
                                  .id = -1,
@@ -71,27 +71,19 @@ void HyperLink::Paint() const {
   painting.DrawLabel(caption_, painting.client(), 0, format_, StateColor());
 }
 
-LRESULT CALLBACK HyperLink::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-  auto* const link = ControlData<HyperLink>(window);
-  if (link == nullptr) return DefWindowProcA(window, message, wparam, lparam);
+bool HyperLink::Handle(UINT message, WPARAM, LPARAM lparam) {
   switch (message) {
     case WM_MOUSEMOVE:
-      link->FollowMouse(lparam);
-      return 0;
+      FollowMouse(lparam);
+      return true;
     case WM_LBUTTONDOWN:
-      link->Enter(State::kPressed);
-      return 0;
+      Enter(State::kPressed);
+      return true;
     case WM_LBUTTONUP:
-      link->Open();
-      return 0;
-    case WM_PAINT:
-      link->Paint();
-      return 0;
-    case WM_DESTROY:
-      SetControlData(window, nullptr);
-      return 0;
+      Open();
+      return true;
     default:
-      return DefWindowProcA(window, message, wparam, lparam);
+      return false;
   }
 }
 

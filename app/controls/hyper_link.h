@@ -31,7 +31,8 @@ class HyperLink {
  private:
   enum class State : BYTE { kNormal = 1, kHover = 2, kPressed = 3 };
 
-  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+  friend class ControlMessages<HyperLink>;
+  bool Handle(UINT message, WPARAM wparam, LPARAM lparam);
   void Enter(State state);
   void FollowMouse(LPARAM point);
   void Open();

@@ -21,7 +21,7 @@ bool TspButton::Create(HWND parent, const TspButtonChoice& choice) {
   font_.Take(CreateControlFont(plain, PROOF_QUALITY));
   window_ = CreateControlWindow(parent,
                                 {.class_name = "TspButton",
-                                 .procedure = Procedure,
+                                 .procedure = ControlMessages<TspButton>::Procedure,
                                  .cursor = LoadCursorA(nullptr, IDC_ARROW),
                                  .style = WS_CHILD | WS_VISIBLE | WS_TABSTOP,
                                  .id = choice.id,
@@ -108,41 +108,33 @@ void TspButton::Paint() {
                      pressed ? kPressedCaptionColor : kCaptionColor);
 }
 
-LRESULT CALLBACK TspButton::Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-  auto* const button = ControlData<TspButton>(window);
-  if (button == nullptr) return DefWindowProcA(window, message, wparam, lparam);
+bool TspButton::Handle(UINT message, WPARAM wparam, LPARAM lparam) {
   switch (message) {
     case WM_SETFOCUS:
-      button->GainFocus();
-      return 0;
+      GainFocus();
+      return true;
     case WM_KILLFOCUS:
-      button->LoseFocus(reinterpret_cast<HWND>(wparam));
-      return 0;
+      LoseFocus(reinterpret_cast<HWND>(wparam));
+      return true;
     case WM_KEYDOWN:
-      button->PressKey(wparam);
-      return 0;
+      PressKey(wparam);
+      return true;
     case WM_KEYUP:
-      button->ReleaseKey(wparam);
-      return 0;
+      ReleaseKey(wparam);
+      return true;
     case WM_LBUTTONDOWN:
-      button->PressMouse();
-      return 0;
+      PressMouse();
+      return true;
     case WM_MOUSEMOVE:
-      if (button->state_ == State::kPressed && !IsInClientArea(window, lparam)) {
-        SendMessageA(window, WM_LBUTTONUP, 0, 0);
+      if (state_ == State::kPressed && !IsInClientArea(window_, lparam)) {
+        SendMessageA(window_, WM_LBUTTONUP, 0, 0);
       }
-      return 0;
+      return true;
     case WM_LBUTTONUP:
-      button->ReleaseMouse();
-      return 0;
-    case WM_PAINT:
-      button->Paint();
-      return 0;
-    case WM_DESTROY:
-      SetControlData(window, nullptr);
-      return 0;
+      ReleaseMouse();
+      return true;
     default:
-      return DefWindowProcA(window, message, wparam, lparam);
+      return false;
   }
 }
 

@@ -28,7 +28,8 @@ class TspButton {
  private:
   enum class State : BYTE { kNormal = 1, kFocused = 2, kPressed = 3 };
 
-  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+  friend class ControlMessages<TspButton>;
+  bool Handle(UINT message, WPARAM wparam, LPARAM lparam);
   void Enter(State state);
   void GainFocus();
   void LoseFocus(HWND gaining);
