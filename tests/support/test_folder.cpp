@@ -23,6 +23,7 @@ std::string TestFolder::PathOf(std::string_view name) const {
 }
 
 void TestFolder::Write(std::string_view name, std::string_view content) const {
+  std::filesystem::create_directories((path_ / name).parent_path());
   std::ofstream(path_ / name, std::ios::binary) << content;
 }
 

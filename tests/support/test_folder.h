@@ -17,6 +17,7 @@ class TestFolder {
   const std::filesystem::path& path() const { return path_; }
   // The full path of a name in it, as the program writes paths: with a backslash.
   std::string PathOf(std::string_view name) const;
+  // Makes the folders on the way, too.
   void Write(std::string_view name, std::string_view content) const;
   // The content of a file; empty when there is none.
   std::string Read(std::string_view name) const;

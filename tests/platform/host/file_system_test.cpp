@@ -5,13 +5,12 @@
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "platform/host/kernel32.h"
 #include "platform/host/machine.h"
+#include "tests/support/test_folder.h"
 
 namespace host {
 namespace {
@@ -22,10 +21,6 @@ namespace fs = std::filesystem;
 class FileSystemTest : public testing::Test {
  protected:
   FileSystemTest() : use_(machine_) {
-    std::string name = (fs::temp_directory_path() / "files-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    folder_ = name;
-    own_ = name + "/own";
     for (const char* sub : {"c/WINDOWS/system", "c/Program Files", "own/profiles"})
       fs::create_directories(folder_ / sub);
     for (const char* file : {"c/WINDOWS/win.ini", "c/WINDOWS/system/x.dll", "c/autoexec.bat",
@@ -33,18 +28,10 @@ class FileSystemTest : public testing::Test {
       Write(file, file);
     machine_.files.MountDrive('c', folder_ / "c");
   }
-  ~FileSystemTest() override {
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
-  }
-
   void Write(const std::string& name, const std::string& content) const {
-    std::ofstream(folder_ / name, std::ios::binary) << content;
+    files_.Write(name, content);
   }
-  std::string Read(const std::string& name) const {
-    std::ifstream file(folder_ / name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  std::string Read(const std::string& name) const { return files_.Read(name); }
   // What stands for the own folder in the rows.
   std::string Filled(std::string text) const {
     const std::size_t at = text.find("OWN");
@@ -72,8 +59,9 @@ class FileSystemTest : public testing::Test {
 
   Machine machine_;
   UseMachine use_;
-  fs::path folder_;
-  std::string own_;
+  hostscope::test::TestFolder files_;
+  const fs::path& folder_ = files_.path();
+  const std::string own_ = (folder_ / "own").string();
 };
 
 TEST_F(FileSystemTest, Locate) {

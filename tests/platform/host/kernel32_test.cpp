@@ -7,27 +7,21 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <string>
 
 #include "platform/host/machine.h"
 #include "platform/host/user32_text.h"
+#include "tests/support/test_folder.h"
 
 namespace host {
 namespace {
 
-namespace fs = std::filesystem;
-
 class Kernel32Test : public testing::Test {
  protected:
   Kernel32Test() : use_(machine_) {
-    std::string name = (fs::temp_directory_path() / "kernel32-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    folder_ = name;
-    std::ofstream(folder_ + "/file.ini") << "[S]\nk=5\n";
-    machine_.files.SetCurrentFolder(folder_);
+    folder_.Write("file.ini", "[S]\nk=5\n");
+    machine_.files.SetCurrentFolder(folder_.path().string());
     machine_.computer_name = "PC";
     machine_.locale.language = "English";
     machine_.windows_folder = "C:\\WINDOWS";
@@ -36,15 +30,11 @@ class Kernel32Test : public testing::Test {
     machine_.module_path = "C:\\hscope.exe";
     machine_.tick_count = 1;
   }
-  ~Kernel32Test() override {
-    std::error_code ignored;
-    fs::remove_all(folder_, ignored);
-  }
-  std::string Profile() const { return folder_ + "\\file.ini"; }
+  std::string Profile() const { return folder_.PathOf("file.ini"); }
 
   Machine machine_;
   UseMachine use_;
-  std::string folder_;
+  hostscope::test::TestFolder folder_;
 };
 
 // Every function whose failure the program can see: its answer then, while everything else it is
@@ -158,7 +148,7 @@ TEST_F(Kernel32Test, SectionsEndAt32KilobytesOnWindows95) {
   for (int line = 0; text.size() < 32767; ++line)
     text += ";" + std::to_string(line) + "\n";
   text += "last=2\n[M]\nother=3\n";
-  std::ofstream(folder_ + "/file.ini") << text;
+  folder_.Write("file.ini", text);
   const auto number = [&](const char* section, const char* key) {
     return GetPrivateProfileIntA(section, key, 0, Profile().c_str());
   };

@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <fstream>
 
 #include "platform/host/advapi32.h"
 #include "platform/host/kernel32.h"
+#include "tests/support/test_folder.h"
 
 namespace host {
 namespace {
@@ -16,19 +16,9 @@ using namespace std::string_literals;
 
 class MachineFolder : public testing::Test {
  protected:
-  MachineFolder() {
-    const auto* const test = testing::UnitTest::GetInstance()->current_test_info();
-    folder_ = fs::path(testing::TempDir()) / ("machine_folder_"s + test->name());
-    fs::remove_all(folder_);
-    fs::create_directories(folder_);
-    Write("machine.ini", "[Version]\nMajor=4\nMinor=10\nBuild=1\nPlatform=1\n");
-  }
-  ~MachineFolder() override { fs::remove_all(folder_); }
+  MachineFolder() { Write("machine.ini", "[Version]\nMajor=4\nMinor=10\nBuild=1\nPlatform=1\n"); }
 
-  void Write(const std::string& name, const std::string& bytes) {
-    fs::create_directories((folder_ / name).parent_path());
-    std::ofstream(folder_ / name, std::ios::binary) << bytes;
-  }
+  void Write(const std::string& name, const std::string& bytes) { own_.Write(name, bytes); }
   // The text of the error, or an empty one.
   std::string Load() {
     machine_.emplace();
@@ -36,7 +26,8 @@ class MachineFolder : public testing::Test {
     return error ? error->Text() : "";
   }
 
-  fs::path folder_;
+  hostscope::test::TestFolder own_;
+  const fs::path& folder_ = own_.path();
   std::optional<Machine> machine_;
 };
 

@@ -6,14 +6,13 @@
 #include <atomic>
 #include <chrono>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <string>
 #include <thread>
 
 #include "platform/host/kernel32.h"
 #include "platform/host/machine.h"
+#include "tests/support/test_folder.h"
 
 namespace host {
 namespace {
@@ -273,14 +272,10 @@ TEST(Process, LastErrorIsTheThreadsOwn) {
 
 // As the Linux program ends: with what it has printed, and at once, though threads still run.
 TEST(ProcessDeathTest, OutsideOfRunProcessTheLinuxProcessEnds) {
-  const std::string output =
-      (std::filesystem::temp_directory_path() / "process-test-output").string();
+  const hostscope::test::TestFolder folder;
+  const std::string output = (folder.path() / "output").string();
   EXPECT_EXIT(PrintAndExit(output), testing::ExitedWithCode(7), "");
-  std::string text;
-  std::ifstream file(output);
-  std::getline(file, text);
-  std::filesystem::remove(output);
-  EXPECT_EQ("printed", text);
+  EXPECT_EQ("printed", folder.Read("output"));
 }
 
 }  // namespace
