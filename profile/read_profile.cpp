@@ -1,30 +1,12 @@
 #include "profile/read_profile.h"
 
 #include "platform/win32.h"
+#include "util/handles.h"
 #include "util/paths.h"
 #include "util/profile_text.h"
 
 namespace hostscope {
 namespace {
-
-// A directory listing, closed when the owner goes.
-class FileSearch {
- public:
-  explicit FileSearch(const char* pattern) : handle_(FindFirstFileA(pattern, &entry_)) {}
-  ~FileSearch() {
-    if (found()) FindClose(handle_);
-  }
-  FileSearch(const FileSearch&) = delete;
-  FileSearch& operator=(const FileSearch&) = delete;
-
-  bool found() const { return handle_ != INVALID_HANDLE_VALUE; }
-  bool Next() { return FindNextFileA(handle_, &entry_) != 0; }
-  const WIN32_FIND_DATAA& entry() const { return entry_; }
-
- private:
-  WIN32_FIND_DATAA entry_ = {};
-  HANDLE handle_;
-};
 
 void ReadString(const CatalogueRow& row, const char* profile_path, std::span<char> field) {
   GetPrivateProfileStringA(row.section, row.key, row.default_text, field.data(),
@@ -85,9 +67,8 @@ void ReadRow(const CatalogueRow& row, const char* profile_path, ProfileSettings&
 }  // namespace
 
 OwnedText FindProfile(const char* program_folder) {
-  OwnedText pattern = DuplicateText(program_folder, TextLength("\\*.ini"));
+  const OwnedText pattern = JoinPath(program_folder, "*.ini");
   if (!pattern.present()) return {};
-  CopyText(pattern.data() + TextLength(program_folder), sizeof "\\*.ini", "\\*.ini");
   FileSearch search(pattern.c_str());
   if (!search.found()) return {};
   do {

@@ -31,9 +31,6 @@ class ReportWriter {
   ReportWriter& operator=(const ReportWriter&) = delete;
 
   bool open() const { return file_.open(); }
-  // The file, for whoever writes into it himself; Flush comes first.
-  HANDLE file() const { return file_.get(); }
-
   // The text's bytes as they stand.
   void WriteText(const char* text);
   // At most 1023 characters by the platform's formatter (wsprintfA); a longer result is cut there.

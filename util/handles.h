@@ -5,14 +5,13 @@
 
 namespace hostscope {
 
-// A file. Closed state is "not open"; the invalid handle value never gets out.
-class FileHandle {
+// A kernel object that is closed by CloseHandle and whose absence is null (tokens, threads).
+class KernelHandle {
  public:
-  FileHandle() = default;
-  explicit FileHandle(HANDLE handle) : handle_(handle == INVALID_HANDLE_VALUE ? nullptr : handle) {}
-  ~FileHandle() { Close(); }
-  FileHandle(FileHandle&& other) noexcept : handle_(other.handle_) { other.handle_ = nullptr; }
-  FileHandle& operator=(FileHandle&& other) noexcept {
+  KernelHandle() = default;
+  ~KernelHandle() { Close(); }
+  KernelHandle(KernelHandle&& other) noexcept : handle_(other.handle_) { other.handle_ = nullptr; }
+  KernelHandle& operator=(KernelHandle&& other) noexcept {
     if (this != &other) {
       Close();
       handle_ = other.handle_;
@@ -20,30 +19,6 @@ class FileHandle {
     }
     return *this;
   }
-  FileHandle(const FileHandle&) = delete;
-  FileHandle& operator=(const FileHandle&) = delete;
-
-  bool open() const { return handle_ != nullptr; }
-  HANDLE get() const { return handle_; }
-  void Close() {
-    if (handle_ != nullptr) CloseHandle(handle_);
-    handle_ = nullptr;
-  }
-
-  // An existing file for reading, others may read it too.
-  static FileHandle OpenForReading(const char* path);
-  // A new or truncated file for writing in one go from front to back, others may read it.
-  static FileHandle CreateForWriting(const char* path);
-
- private:
-  HANDLE handle_ = nullptr;
-};
-
-// A kernel object that is closed by CloseHandle and whose absence is null (tokens, threads).
-class KernelHandle {
- public:
-  KernelHandle() = default;
-  ~KernelHandle() { Close(); }
   KernelHandle(const KernelHandle&) = delete;
   KernelHandle& operator=(const KernelHandle&) = delete;
 
@@ -59,8 +34,47 @@ class KernelHandle {
     handle_ = nullptr;
   }
 
+ protected:
+  explicit KernelHandle(HANDLE handle) : handle_(handle) {}
+
  private:
   HANDLE handle_ = nullptr;
+};
+
+// A file; the invalid handle value never gets out.
+class FileHandle : public KernelHandle {
+ public:
+  FileHandle() = default;
+
+  // An existing file for reading, others may read it too.
+  static FileHandle OpenForReading(const char* path);
+  // A new or truncated file for writing in one go from front to back, others may read it.
+  static FileHandle CreateForWriting(const char* path);
+
+ private:
+  explicit FileHandle(HANDLE handle)
+      : KernelHandle(handle == INVALID_HANDLE_VALUE ? nullptr : handle) {}
+};
+
+// A directory listing: the entries that match a pattern, one at a time.
+class FileSearch {
+ public:
+  explicit FileSearch(const char* pattern) : handle_(FindFirstFileA(pattern, &entry_)) {}
+  ~FileSearch() {
+    if (found()) FindClose(handle_);
+  }
+  FileSearch(const FileSearch&) = delete;
+  FileSearch& operator=(const FileSearch&) = delete;
+
+  // Whether there is a first entry.
+  bool found() const { return handle_ != INVALID_HANDLE_VALUE; }
+  // False at the end of the listing, and when it cannot go on.
+  bool Next() { return FindNextFileA(handle_, &entry_) != 0; }
+  const WIN32_FIND_DATAA& entry() const { return entry_; }
+
+ private:
+  WIN32_FIND_DATAA entry_ = {};
+  HANDLE handle_;
 };
 
 }  // namespace hostscope

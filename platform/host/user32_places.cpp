@@ -27,6 +27,21 @@ using host::CallFails;
 using host::LockedDesktop;
 using host::WindowPointer;
 
+namespace {
+
+// Has the window, found on the locked desktop, answer; FALSE for what is no window.
+template <typename Answer>
+BOOL AskWindow(const char* function, HWND handle, const Answer& answer) {
+  if (CallFails(function)) return FALSE;
+  const LockedDesktop desktop;
+  const WindowPointer window = desktop.Find(handle);
+  if (!window) return FALSE;
+  answer(desktop, *window);
+  return TRUE;
+}
+
+}  // namespace
+
 BOOL MoveWindow(HWND handle, int x, int y, int width, int height, BOOL repaint) {
   if (CallFails("MoveWindow")) return FALSE;
   RECT client = {};
@@ -55,39 +70,27 @@ BOOL MoveWindow(HWND handle, int x, int y, int width, int height, BOOL repaint) 
 }
 
 BOOL GetClientRect(HWND handle, LPRECT rectangle) {
-  if (CallFails("GetClientRect")) return FALSE;
-  const LockedDesktop desktop;
-  const WindowPointer window = desktop.Find(handle);
-  if (!window) return FALSE;
-  *rectangle = desktop->ClientRectangle(*window);
-  return TRUE;
+  return AskWindow("GetClientRect", handle, [&](const auto& desktop, const auto& window) {
+    *rectangle = desktop->ClientRectangle(window);
+  });
 }
 
 BOOL GetWindowRect(HWND handle, LPRECT rectangle) {
-  if (CallFails("GetWindowRect")) return FALSE;
-  const LockedDesktop desktop;
-  const WindowPointer window = desktop.Find(handle);
-  if (!window) return FALSE;
-  *rectangle = desktop->ScreenRectangle(*window);
-  return TRUE;
+  return AskWindow("GetWindowRect", handle, [&](const auto& desktop, const auto& window) {
+    *rectangle = desktop->ScreenRectangle(window);
+  });
 }
 
 BOOL ScreenToClient(HWND handle, LPPOINT point) {
-  if (CallFails("ScreenToClient")) return FALSE;
-  const LockedDesktop desktop;
-  const WindowPointer window = desktop.Find(handle);
-  if (!window) return FALSE;
-  const POINT origin = desktop->ClientOrigin(*window);
-  *point = {point->x - origin.x, point->y - origin.y};
-  return TRUE;
+  return AskWindow("ScreenToClient", handle, [&](const auto& desktop, const auto& window) {
+    const POINT origin = desktop->ClientOrigin(window);
+    *point = {point->x - origin.x, point->y - origin.y};
+  });
 }
 
 BOOL ClientToScreen(HWND handle, LPPOINT point) {
-  if (CallFails("ClientToScreen")) return FALSE;
-  const LockedDesktop desktop;
-  const WindowPointer window = desktop.Find(handle);
-  if (!window) return FALSE;
-  const POINT origin = desktop->ClientOrigin(*window);
-  *point = {point->x + origin.x, point->y + origin.y};
-  return TRUE;
+  return AskWindow("ClientToScreen", handle, [&](const auto& desktop, const auto& window) {
+    const POINT origin = desktop->ClientOrigin(window);
+    *point = {point->x + origin.x, point->y + origin.y};
+  });
 }
