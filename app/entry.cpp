@@ -9,6 +9,7 @@
 #include "platform/program.h"
 #include "platform/resources.h"
 #include "platform/win32.h"
+#include "profile/catalogue.h"
 #include "profile/profile_settings.h"
 #include "profile/read_profile.h"
 #include "report/run_state.h"
@@ -64,14 +65,6 @@ void ReleasePaths(RunState& state) {
   state.report_path.Release();
   state.program_folder.Release();
   state.profile_path.Release();
-}
-
-void DestroyLists(ProfileSettings& settings) {
-  settings.dlls.Destroy();
-  settings.registry_keys.Destroy();
-  settings.folders.Destroy();
-  settings.scan_keys.Destroy();
-  settings.custom_dlls.Destroy();
 }
 
 void Run(Program& program) {

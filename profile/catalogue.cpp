@@ -189,6 +189,18 @@ std::span<const CatalogueRow> Catalogue() {
   return kCatalogue;
 }
 
+void CreateLists(ProfileSettings& settings) {
+  for (const CatalogueRow& row : kCatalogue) {
+    if (row.list != nullptr) (settings.*row.list).Create();
+  }
+}
+
+void DestroyLists(ProfileSettings& settings) {
+  for (const CatalogueRow& row : kCatalogue) {
+    if (row.list != nullptr) (settings.*row.list).Destroy();
+  }
+}
+
 bool AnySwitchOn(const ProfileSettings& settings, const char* section) {
   for (const CatalogueRow& row : kCatalogue) {
     if (row.switches_section && SameText(row.section, section) && settings.*row.number != 0)

@@ -49,6 +49,11 @@ std::span<const CatalogueRow> Catalogue();
 // What the key Sign of section GENERAL must hold for a file to be a profile.
 inline constexpr char kProfileSign[] = "Hostscope INI file";
 
+// Makes the lists of all list sections present and empty; one that cannot be made stays absent.
+void CreateLists(ProfileSettings& settings);
+// Releases them, in catalogue order; nothing happens to absent ones.
+void DestroyLists(ProfileSettings& settings);
+
 // Whether any of the section's switches is on.
 bool AnySwitchOn(const ProfileSettings& settings, const char* section);
 

@@ -11,12 +11,6 @@ namespace {
 // The one work area of a run: a whole profile section, a collector's text, a formatted line.
 inline constexpr std::size_t kWorkAreaSize = 32767;
 
-void CreateLists(ProfileSettings& settings) {
-  for (const CatalogueRow& row : Catalogue()) {
-    if (row.list != nullptr) (settings.*row.list).Create();
-  }
-}
-
 bool IsSectionOn(const Section& section, const ProfileSettings& settings) {
   if (section.list != nullptr) return (settings.*section.list).count() > 0;
   return AnySwitchOn(settings, section.profile_section);

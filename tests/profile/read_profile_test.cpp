@@ -17,9 +17,7 @@ class Profiles : public testing::Test {
   void Read(std::string_view profile) {
     folder_.Write("p.ini", profile);
     settings_ = std::make_unique<ProfileSettings>();
-    for (const CatalogueRow& row : Catalogue()) {
-      if (row.list != nullptr) (*settings_.*row.list).Create();
-    }
+    CreateLists(*settings_);
     for (ReadMoment moment :
          {ReadMoment::kStartUp, ReadMoment::kMessage, ReadMoment::kDialog, ReadMoment::kWorker}) {
       ReadProfile(folder_.PathOf("p.ini").c_str(), moment, *settings_, work_);

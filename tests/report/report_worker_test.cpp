@@ -200,11 +200,8 @@ TEST(ReportWorker, NothingStaysOpenWhicheverCallFails) {
       const auto open_before = run.machine().handles.OpenObjects();
       run.machine().faults.FailNth(call, nth, ERROR_NOT_ENOUGH_MEMORY);
       run.Run(kProfile);
-      for (const CatalogueRow& row : Catalogue()) {
-        if (row.list != nullptr) (run.settings().*row.list).Destroy();
-      }
-      auto open_after = run.machine().handles.OpenObjects();
-      EXPECT_EQ(open_after, open_before) << call << " " << nth;
+      DestroyLists(run.settings());
+      EXPECT_EQ(run.machine().handles.OpenObjects(), open_before) << call << " " << nth;
       // Only a run that could not begin leaves no report, and its list says so.
       EXPECT_TRUE(run.state().run_complete || run.Progress().size() <= 1) << call << " " << nth;
     }
