@@ -1,7 +1,5 @@
 #include "report/item.h"
 
-#include "util/text.h"
-
 namespace hostscope {
 namespace {
 
@@ -16,10 +14,7 @@ bool IsSwitchedOn(const Item& item, const ProfileSettings& settings) {
 // What the list shows as done is in the file.
 void ShowResult(const Item& item, ItemRun& run, bool succeeded) {
   run.report.Flush();
-  char line[kFormattedSize + 1] = {};
-  wsprintfA(line, "%-25s%s", item.progress_label, succeeded ? "Ok" : "Failed");
-  run.progress.RemoveLastProgressLine();
-  run.progress.AddProgressLine(line);
+  run.progress.ReplaceWithStatus(item.progress_label, succeeded ? "Ok" : "Failed");
 }
 
 void RunValueItem(const Item& item, ItemRun& run) {
@@ -34,7 +29,8 @@ void RunValueItem(const Item& item, ItemRun& run) {
 
 void RunLinesItem(const Item& item, ItemRun& run) {
   run.report.Flush();
-  ShowResult(item, run, item.write_lines(run));
+  const bool succeeded = item.write_lines(run);
+  if (item.progress_label != nullptr) ShowResult(item, run, succeeded);
 }
 
 }  // namespace
@@ -46,7 +42,7 @@ void RunItem(const Item& item, ItemRun& run) {
     item.step(run);
     return;
   }
-  run.progress.AddProgressLine(item.progress_label);
+  if (item.progress_label != nullptr) run.progress.AddProgressLine(item.progress_label);
   if (item.collect_value != nullptr) {
     RunValueItem(item, run);
   } else {

@@ -13,6 +13,8 @@ namespace hostscope {
 
 // What an item may work with. `work` is the one work area of the run, used by one item at a time.
 struct ItemRun {
+  // Where the program file lies; the current folder of the whole run.
+  const char* program_folder;
   ProfileSettings& settings;
   ProbeContext& context;
   ReportWriter& report;
@@ -29,7 +31,7 @@ inline constexpr std::array<Switch, sizeof...(kSwitches)> kAnyOf{kSwitches...};
 // One row of a section. Exactly one of its three functions is set.
 struct Item {
   // Added to the progress list when the item starts, then replaced by the label with its status
-  // word.
+  // word. Null for an item that has no line there, or shows its own.
   const char* progress_label = nullptr;
   const char* report_label = nullptr;  // of a single value
   std::span<const Switch> switches = {};

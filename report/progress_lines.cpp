@@ -1,5 +1,7 @@
 #include "report/progress_lines.h"
 
+#include "util/text.h"
+
 namespace hostscope {
 
 void ProgressLines::AddProgressLine(const char* text) {
@@ -10,6 +12,14 @@ void ProgressLines::AddProgressLine(const char* text) {
 void ProgressLines::RemoveLastProgressLine() {
   const LRESULT count = SendMessageA(list_, LB_GETCOUNT, 0, 0);
   if (count > 0) SendMessageA(list_, LB_DELETESTRING, static_cast<WPARAM>(count - 1), 0);
+}
+
+void ProgressLines::ReplaceWithStatus(const char* label, const char* status) {
+  char line[kFormattedSize + 1] = {};
+  wsprintfA(line, "%-25s%s", label, status);
+  EndFormatted(line);
+  RemoveLastProgressLine();
+  AddProgressLine(line);
 }
 
 }  // namespace hostscope

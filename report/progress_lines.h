@@ -14,6 +14,8 @@ class ProgressLines {
   // the list refuses is lost.
   void AddProgressLine(const char* text);
   void RemoveLastProgressLine();
+  // Puts the label with its status word ("Ok", "Failed") in the place of the last line.
+  void ReplaceWithStatus(const char* label, const char* status);
 
  private:
   HWND list_;

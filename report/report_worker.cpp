@@ -33,11 +33,12 @@ void WriteHeader(ReportWriter& report) {
 }
 
 // Between the creation of the report file and its closing.
-void WriteReport(ReportWriter& report, ProfileSettings& settings, ProgressLines& progress,
-                 HeapBuffer& work) {
+void WriteReport(const RunState& state, ReportWriter& report, ProfileSettings& settings,
+                 ProgressLines& progress, HeapBuffer& work) {
   ProbeContext context;
   WriteHeader(report);
-  ItemRun run{settings, context, report, progress, {work.data(), work.size()}};
+  ItemRun run{state.program_folder.c_str(), settings, context, report, progress,
+              {work.data(), work.size()}};
   for (const Section& section : SectionTable())
     RunSection(section, run);
   work.Release();
@@ -54,7 +55,7 @@ const char* MakeReport(const RunState& state, ProfileSettings& settings, Progres
               {work.data(), work.size()});
   ReportWriter report(state.report_path.c_str());
   if (!report.open()) return "Can not open output file!";
-  WriteReport(report, settings, progress, work);
+  WriteReport(state, report, settings, progress, work);
   return nullptr;
 }
 

@@ -85,6 +85,11 @@ void ReportWriter::Flush() {
   gathered_size_ = 0;
 }
 
+HANDLE ReportWriter::FlushedFile() {
+  Flush();
+  return file_.get();
+}
+
 void ReportWriter::WriteThrough(const char* bytes, std::size_t size) {
   DWORD written = 0;
   WriteFile(file_.get(), bytes, static_cast<DWORD>(size), &written, nullptr);

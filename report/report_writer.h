@@ -42,6 +42,9 @@ class ReportWriter {
   // that a list of devices shows its label once.
   void WriteDeviceBlock(char* label, const DeviceRecord& record);
 
+  // The open file, for whoever writes to it directly, at its end; everything written so far is in
+  // it. Null for a writer without a file.
+  HANDLE FlushedFile();
   // Everything written so far is in the file afterwards.
   void Flush();
   void Close();

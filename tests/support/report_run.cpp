@@ -42,7 +42,7 @@ void ReportRun::RunItems(std::initializer_list<Item> items) {
   ReportWriter report(state_->report_path.c_str());
   ProbeContext context;
   std::vector<char> work(32767);
-  ItemRun run{*settings_, context, report, progress, work};
+  ItemRun run{state_->program_folder.c_str(), *settings_, context, report, progress, work};
   for (const Item& item : items)
     RunItem(item, run);
 }

@@ -1,0 +1,63 @@
+#include "scans/list_entry.h"
+
+#include <cstdint>
+
+#include "util/text.h"
+
+namespace hostscope {
+namespace {
+
+struct Hive {
+  const char* abbreviation;
+  const char* name;
+  std::uint32_t root;  // the number of the predefined handle
+};
+
+constexpr Hive kHiveTable[] = {
+    {"HKCR", "HKEY_CLASSES_ROOT", 0x80000000},
+    {"HKCC", "HKEY_CURRENT_CONFIG", 0x80000005},
+    {"HKCU", "HKEY_CURRENT_USER", 0x80000001},
+    {"HKLM", "HKEY_LOCAL_MACHINE", 0x80000002},
+    {"HKU", "HKEY_USERS", 0x80000003},
+    {"HKDD", "HKEY_DYN_DATA", 0x80000006},
+    {"HKPD", "HKEY_PERFORMANCE_DATA", 0x80000004},
+};
+
+// By the characters before the backslash; they are compared on a copy, so that the entry of another
+// kind stays whole.
+const Hive* FindHive(const char* entry, const char* backslash) {
+  char abbreviation[8] = {};
+  const std::size_t length =
+      backslash == nullptr ? TextLength(entry) : static_cast<std::size_t>(backslash - entry);
+  if (length >= sizeof abbreviation) return nullptr;
+  CopyText(abbreviation, length + 1, entry);
+  for (const Hive& hive : kHiveTable) {
+    if (SameTextIgnoringCase(abbreviation, hive.abbreviation)) return &hive;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+char* CutAtLastComma(char* text) {
+  const char* const comma = FindLastCharacter(text, ',');
+  if (comma == nullptr) return nullptr;
+  text[comma - text] = '\0';
+  return text + (comma - text) + 1;
+}
+
+RegistryPath ParseRegistryPath(char* entry) {
+  const char* const backslash = FindCharacter(entry, '\\');
+  const Hive* const hive = FindHive(entry, backslash);
+  if (hive == nullptr) return {};
+  RegistryPath path;
+  path.root = reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(hive->root));
+  path.hive_name = hive->name;
+  if (backslash != nullptr) {
+    path.subkey = entry + (backslash - entry) + 1;
+    path.item = CutAtLastComma(path.subkey);
+  }
+  return path;
+}
+
+}  // namespace hostscope
