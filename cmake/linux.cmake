@@ -14,9 +14,6 @@ endif()
 
 find_package(Threads REQUIRED)
 
-file(GLOB HOST_SOURCES CONFIGURE_DEPENDS platform/host/*.cpp)
-list(REMOVE_ITEM HOST_SOURCES ${PROJECT_SOURCE_DIR}/platform/host/main.cpp)
-
 # The program calls the layer, and the layer's entry point calls the program.
 add_library(hostscope OBJECT ${PROGRAM_SOURCES} ${HOST_SOURCES})
 target_include_directories(hostscope PUBLIC ${PROJECT_SOURCE_DIR})

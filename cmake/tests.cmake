@@ -44,6 +44,15 @@ add_test(NAME linux_program
          $<TARGET_FILE:hscope> ${PROJECT_SOURCE_DIR})
 set_tests_properties(linux_program PROPERTIES TIMEOUT 120)
 
+# Some seconds with each fuzz target, beginning with its kept inputs.
+file(GLOB FUZZ_TARGETS CONFIGURE_DEPENDS tests/fuzz/*_fuzz.cpp)
+foreach(source IN LISTS FUZZ_TARGETS)
+  get_filename_component(name ${source} NAME_WE)
+  string(REGEX REPLACE "(.+)_fuzz" "\\1" name ${name})
+  add_test(NAME fuzz.${name} COMMAND ${PROJECT_SOURCE_DIR}/tests/fuzz/run.sh ${name} 5)
+  set_tests_properties(fuzz.${name} PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 120)
+endforeach()
+
 # What needs the cross compiler or Wine says so and is skipped, by name, where there is none.
 set(WINDOWS_FOLDER ${PROJECT_SOURCE_DIR}/build/windows)
 function(add_windows_test name)

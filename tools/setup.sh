@@ -2,16 +2,18 @@
 # Brings a machine what building, testing and running Hostscope needs; what is there already is left alone.
 #
 #   tools/setup.sh             install every group that is missing
-#   tools/setup.sh has GROUP   ask, in silence, whether a group is there: native, cross, wine, display
+#   tools/setup.sh has GROUP   ask, in silence, whether a group is there: native, fuzz, cross, wine,
+#                              display
 #
 # Only the native group is a must: the exit code is non-zero when it can't be had. A machine without
 # one of the others builds and tests less, and is told so.
 set -euo pipefail
 
-readonly all_groups=(native cross wine display)
+readonly all_groups=(native fuzz cross wine display)
 
 declare -rA purpose=(
   [native]="building and testing the Linux program"
+  [fuzz]="running the fuzz targets"
   [cross]="building hscope.exe"
   [wine]="running hscope.exe"
   [display]="pressing keys in hscope.exe and taking its picture"
@@ -19,6 +21,7 @@ declare -rA purpose=(
 
 declare -rA packages=(
   [native]="g++ cmake ninja-build libgtest-dev libgmock-dev python3 clang-format git"
+  [fuzz]="clang libclang-rt-dev"
   [cross]="g++-mingw-w64-i686-posix"
   [wine]="wine wine32:i386 xvfb fonts-wine fonts-dejavu-core"
   [display]="xdotool imagemagick"
@@ -34,6 +37,9 @@ has_native() {
     [[ -e /usr/include/gtest/gtest.h && -e /usr/include/gmock/gmock.h ]] &&
     [[ -e /usr/src/googletest/CMakeLists.txt ]]
 }
+
+# The fuzzer is part of clang, but of another package.
+has_fuzz() { have clang++ && [[ -n $(find "$(clang++ -print-resource-dir)" -name 'libclang_rt.fuzzer*' -print -quit) ]]; }
 
 has_cross() { have i686-w64-mingw32-g++-posix i686-w64-mingw32-windres i686-w64-mingw32-objdump; }
 
