@@ -5,24 +5,14 @@ Prints the processor time (user and system) of a run over machines/winxp with pr
 /bin/true, and their ratio, measured in turn in one go.
 """
 
-import os
 import pathlib
 import statistics
-import subprocess
 import sys
 import tempfile
 
+import measure
+
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-
-
-def processor_milliseconds(command, folder):
-    """User and system time of one run, in milliseconds."""
-    process = subprocess.Popen(command, cwd=folder, stdin=subprocess.DEVNULL,
-                               stdout=subprocess.DEVNULL)
-    _, status, usage = os.wait4(process.pid, 0)
-    if status != 0:
-        sys.exit(f"{command[0]} ended with {status}")
-    return (usage.ru_utime + usage.ru_stime) * 1000
 
 
 def main():
@@ -32,7 +22,7 @@ def main():
         report = [hscope, "--machine", str(ROOT / "machines" / "winxp"),
                   str(ROOT / "profiles" / "full.ini"), folder]
         bare = ["/bin/true"]
-        figures = [(processor_milliseconds(report, folder), processor_milliseconds(bare, folder))
+        figures = [(measure.cost(report, folder).milliseconds, measure.cost(bare, folder).milliseconds)
                    for _ in range(runs)]
     ours, theirs = (statistics.median(column) for column in zip(*figures))
     print(f"whole report   {ours:8.2f} ms of processor time (median of {runs} runs, "

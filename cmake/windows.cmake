@@ -12,6 +12,9 @@ function(add_ordinary_exe name)
 endfunction()
 
 add_ordinary_exe(dialog_watch tools/dialog_watch.cpp)
+add_ordinary_exe(scan_times bench/scan_times.cpp tests/windows/driver.cpp
+                 tests/windows/surroundings.cpp tests/windows/interception.cpp)
+target_link_libraries(scan_times PRIVATE version)
 
 # GoogleTest comes as sources with the distribution's package.
 set(GOOGLETEST_FOLDER /usr/src/googletest)

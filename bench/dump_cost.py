@@ -1,0 +1,57 @@
+"""What a dump of many registry values costs the Linux program, in time and in memory.
+
+Usage: bench/dump_cost.py HSCOPE [RUNS]     (HSCOPE from the preset "linux")
+Describes machines with 50,000, 100,000 and 200,000 values and runs each with the key dumped and without.
+Prints the processor time of the difference, its ratio to half as many values, and how much more memory the
+run with the dump takes at its peak.
+"""
+
+import pathlib
+import statistics
+import sys
+import tempfile
+
+import measure
+
+MACHINE = "[Version]\nMajor = 5\nMinor = 0\nBuild = 2195\nPlatform = 2\n"
+PROFILE = "[GENERAL]\r\nSign=Hostscope INI file\r\nReportFileName=report.txt\r\n"
+DUMP = PROFILE + "[REGISTRY KEYS]\r\nHKLM\\Software\\Bench\r\n"
+KINDS = ('"some text of a usual size"', "dword:0000002a", "hex:01,02,03,04,05,06,07,08,ff")
+
+
+def describe_machine(folder, count):
+    values = (f'"Value {i}"={KINDS[i % len(KINDS)]}\n' for i in range(count))
+    folder.mkdir()
+    (folder / "machine.ini").write_text(MACHINE)
+    (folder / "software.reg").write_text("REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\Software\\Bench]\n" +
+                                         "".join(values))
+
+
+def run(hscope, machine, profile, folder):
+    return measure.cost([hscope, "--machine", str(machine), str(profile), str(folder)], folder)
+
+
+def main():
+    hscope = str(pathlib.Path(sys.argv[1]).resolve())
+    runs = int(sys.argv[2]) if len(sys.argv) > 2 else 5
+    print(f"{'values':>10} {'dump, ms':>10} {'ratio':>7} {'whole run, ms':>14} {'more memory, KB':>16}")
+    before = None
+    with tempfile.TemporaryDirectory() as name:
+        folder = pathlib.Path(name)
+        (folder / "dump.ini").write_text(DUMP, newline="")
+        (folder / "none.ini").write_text(PROFILE, newline="")
+        for count in (50_000, 100_000, 200_000):
+            machine = folder / str(count)
+            describe_machine(machine, count)
+            pairs = [(run(hscope, machine, folder / "dump.ini", folder),
+                      run(hscope, machine, folder / "none.ini", folder)) for _ in range(runs)]
+            dump = statistics.median(w.milliseconds - o.milliseconds for w, o in pairs)
+            whole = statistics.median(w.milliseconds for w, _ in pairs)
+            memory = statistics.median(w.peak_kilobytes - o.peak_kilobytes for w, o in pairs)
+            ratio = f"{dump / before:.2f}" if before else "-"
+            print(f"{count:>10} {dump:>10.1f} {ratio:>7} {whole:>14.1f} {memory:>16.0f}")
+            before = dump
+
+
+if __name__ == "__main__":
+    main()
