@@ -23,10 +23,11 @@ std::string Line(const std::string& heading, const std::string& text) {
 }
 
 std::string Indented(const std::string& text) {
-  std::string lines = "    ";
+  std::string lines;
   for (const char character : TerminalText(text, true)) {
+    const bool begins = lines.empty() || lines.back() == '\n';
+    if (begins && character != '\n') lines += "    ";
     lines += character;
-    if (character == '\n') lines += "    ";
   }
   return lines + "\n";
 }
