@@ -6,6 +6,7 @@
 #include "app/progress_dialog.h"
 #include "app/report_location.h"
 #include "app/start_notice.h"
+#include "delivery/simple_mapi.h"
 #include "platform/program.h"
 #include "platform/resources.h"
 #include "platform/win32.h"
@@ -60,6 +61,21 @@ bool RunDialog(ProgressDialog& dialog) {
   return dialog.Run(instance, LoadIconA(instance, MAKEINTRESOURCEA(kIconId)));
 }
 
+// Hands a finished report to the mail client when the profile or the dialog's check box says so.
+void MailReport(const RunState& state, const ProfileSettings& settings) {
+  if (!state.run_complete || settings.email == 0) return;
+  SimpleMapi mapi;
+  if (!mapi.LoadSimpleMapi()) return;
+  mapi.SendReportMail({.to = settings.recipient_address,
+                       .name = settings.recipient_name,
+                       .cc = settings.cc,
+                       .bcc = settings.bcc,
+                       .subject = settings.subject,
+                       .body = settings.email_body,
+                       .attachment_path = state.report_path.c_str()});
+  mapi.UnloadSimpleMapi();
+}
+
 void ReleasePaths(RunState& state) {
   state.report_folder.Release();
   state.report_path.Release();
@@ -78,6 +94,7 @@ void Run(Program& program) {
   // A worker that is left running ends with the process. Until then it uses all this, and it must
   // not find it gone.
   if (!RunDialog(program.dialog)) return;
+  MailReport(state, program.settings);
   ReleasePaths(state);
   DestroyLists(program.settings);
 }

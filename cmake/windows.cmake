@@ -16,6 +16,23 @@ add_ordinary_exe(scan_times bench/scan_times.cpp tests/windows/driver.cpp
                  tests/windows/surroundings.cpp tests/windows/interception.cpp)
 target_link_libraries(scan_times PRIVATE version)
 
+# The mail client of the tests: with all functions of Simple MAPI, and with one of them missing.
+function(add_mail_libraries)
+  set(folder tests/windows/mail_library)
+  file(STRINGS ${folder}/mail_library.def exports)
+  list(FILTER exports EXCLUDE REGEX MAPIResolveName)
+  list(JOIN exports "\n" exports)
+  file(WRITE ${CMAKE_BINARY_DIR}/mail_library_part.def "${exports}\n")
+  add_library(mail_library SHARED ${folder}/mail_library.cpp ${folder}/mail_library.def)
+  add_library(mail_library_part SHARED ${folder}/mail_library.cpp
+              ${CMAKE_BINARY_DIR}/mail_library_part.def)
+  foreach(library IN ITEMS mail_library mail_library_part)
+    set_target_properties(${library} PROPERTIES PREFIX "")
+    target_compile_options(${library} PRIVATE -Wall -Wextra -Werror -O1)
+    target_link_options(${library} PRIVATE -static)
+  endforeach()
+endfunction()
+
 # GoogleTest comes as sources with the distribution's package.
 set(GOOGLETEST_FOLDER /usr/src/googletest)
 if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
@@ -27,6 +44,8 @@ if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
   if(EXE_TEST_SOURCES)
     add_ordinary_exe(exe_tests ${EXE_TEST_SOURCES})
     target_link_libraries(exe_tests PRIVATE GTest::gtest_main)
+    add_mail_libraries()
+    add_dependencies(exe_tests mail_library mail_library_part)
   endif()
 
   file(GLOB CONTRACT_SOURCES CONFIGURE_DEPENDS tests/contract/*.cpp)

@@ -14,6 +14,7 @@
 #include <windows.h>
 // The order matters: these need windows.h before them.
 #include <commctrl.h>
+#include <mapi.h>
 #include <shellapi.h>
 #include <shlobj.h>
 

@@ -1,5 +1,6 @@
 #include "report/report_worker.h"
 
+#include "delivery/open_report.h"
 #include "profile/read_profile.h"
 #include "report/section_table.h"
 #include "util/handles.h"
@@ -69,6 +70,8 @@ void ReportWorker(RunState& state, ProfileSettings& settings, ProgressLines& pro
     progress.AddProgressLine(obstacle);
     return;
   }
+  // The report is closed: whoever opens it finds all of it.
+  if (settings.open != 0) OpenReport(state.report_path.c_str());
   state.run_complete = true;
 }
 

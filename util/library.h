@@ -27,13 +27,16 @@ class BoundLibrary {
       module_ = LoadLibraryA(library);
       loaded_here_ = module_ != nullptr;
     }
-    bool complete = module_ != nullptr;
-    for (std::size_t i = 0; complete && i < kCount; ++i) {
-      functions_[i] = GetProcAddress(module_, names[i]);
-      complete = functions_[i] != nullptr;
-    }
-    if (!complete) Release();
-    return complete;
+    return Resolve(names);
+  }
+
+  // The same for a library that the caller has loaded (null: it could not be). It is the binding's
+  // from now on, which frees it.
+  bool BindLoaded(HMODULE module, const std::array<const char*, kCount>& names) {
+    Release();
+    module_ = module;
+    loaded_here_ = module != nullptr;
+    return Resolve(names);
   }
 
   bool bound() const { return module_ != nullptr; }
@@ -54,6 +57,16 @@ class BoundLibrary {
   }
 
  private:
+  bool Resolve(const std::array<const char*, kCount>& names) {
+    bool complete = module_ != nullptr;
+    for (std::size_t i = 0; complete && i < kCount; ++i) {
+      functions_[i] = GetProcAddress(module_, names[i]);
+      complete = functions_[i] != nullptr;
+    }
+    if (!complete) Release();
+    return complete;
+  }
+
   HMODULE module_ = nullptr;
   bool loaded_here_ = false;
   std::array<FARPROC, kCount> functions_{};

@@ -43,4 +43,13 @@ OwnedText JoinPath(const char* folder, const char* name) {
   return path;
 }
 
+OwnedText FullPath(const char* path) {
+  const DWORD size = GetFullPathNameA(path, 0, nullptr, nullptr);
+  HeapBuffer block(size);
+  const DWORD length =
+      size == 0 || !block.present() ? 0 : GetFullPathNameA(path, size, block.data(), nullptr);
+  if (length == 0 || length >= size) return DuplicateText(path);
+  return OwnedText(static_cast<HeapBuffer&&>(block));
+}
+
 }  // namespace hostscope

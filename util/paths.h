@@ -22,4 +22,8 @@ void StripSeparator(char* folder);
 // gives the folder, an empty folder a backslash and the name. None when there is no memory.
 OwnedText JoinPath(const char* folder, const char* name);
 
+// The path from the root on, whatever the current folder: for other programs, which have another
+// one. A path that the platform can't complete comes back unchanged; none when there is no memory.
+OwnedText FullPath(const char* path);
+
 }  // namespace hostscope

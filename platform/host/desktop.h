@@ -59,6 +59,8 @@ struct ShellOpening {
   std::string verb;
   std::string target;
   int show_command = 0;
+  bool has_parameters = false;
+  bool has_folder = false;
 };
 
 // A line added to, or removed from, the end of a list box.

@@ -222,6 +222,16 @@ std::optional<fs::path> FileSystem::DriveFolder(char letter) const {
   return found == drives_.end() ? std::nullopt : std::optional(found->second);
 }
 
+std::string FileSystem::FullPath(std::string_view path) const {
+  Parts parts;
+  if (Split(path, CurrentFolder(), parts) != ERROR_SUCCESS) return std::string(path);
+  const char separator = parts.drive != 0 ? '\\' : '/';
+  std::string full = parts.drive != 0 ? std::string{parts.drive, ':'} : "";
+  for (const std::string& component : parts.components)
+    full += separator + component;
+  return parts.components.empty() ? full + separator : full;
+}
+
 DWORD FileSystem::Locate(std::string_view path, Place& place) const {
   Parts parts;
   if (const DWORD error = Split(path, CurrentFolder(), parts)) return error;

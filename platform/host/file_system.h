@@ -89,6 +89,9 @@ class FileSystem {
   // a drive that is not there or an empty path; ERROR_INVALID_NAME; ERROR_FILENAME_EXCED_RANGE.
   DWORD Locate(std::string_view path, Place& place) const;
 
+  // The path from the root on, by the text alone; one that can't be taken apart is as it was given.
+  std::string FullPath(std::string_view path) const;
+
   // Opens or makes a file as CreateFileA does; `existed` (may be null) says whether it was there
   // before. Answers 0 or the error. Files that are open in this machine keep each other out by what
   // they share, as on Windows; a file open for neither reading nor writing keeps nobody out.

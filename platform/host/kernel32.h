@@ -51,6 +51,8 @@ inline constexpr LCTYPE LOCALE_SENGLANGUAGE = 0x1001;
 
 inline constexpr DWORD MAX_COMPUTERNAME_LENGTH = 15;
 
+inline constexpr UINT SEM_NOOPENFILEERRORBOX = 0x8000;
+
 inline constexpr DWORD ERROR_TOO_MANY_OPEN_FILES = 4;
 inline constexpr DWORD ERROR_FILE_EXISTS = 80;
 inline constexpr DWORD ERROR_BUFFER_OVERFLOW = 111;
@@ -144,12 +146,17 @@ BOOL WINAPI CloseHandle(HANDLE object);
 DWORD WINAPI GetFileAttributesA(LPCSTR name);
 BOOL WINAPI SetCurrentDirectoryA(LPCSTR path);
 DWORD WINAPI GetCurrentDirectoryA(DWORD size, LPSTR buffer);
+// As Windows does it, by the text alone. A path of the user's own files comes with the separators
+// of Linux.
+DWORD WINAPI GetFullPathNameA(LPCSTR path, DWORD size, LPSTR buffer, LPSTR* name);
 HANDLE WINAPI FindFirstFileA(LPCSTR pattern, LPWIN32_FIND_DATAA data);
 BOOL WINAPI FindNextFileA(HANDLE search, LPWIN32_FIND_DATAA data);
 BOOL WINAPI FindClose(HANDLE search);
 
 // ---- private profiles: kernel32_profile.cpp ----
 
+// Reads win.ini.
+UINT WINAPI GetProfileIntA(LPCSTR section, LPCSTR key, INT fallback);
 UINT WINAPI GetPrivateProfileIntA(LPCSTR section, LPCSTR key, INT fallback, LPCSTR file);
 DWORD WINAPI GetPrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR fallback, LPSTR buffer,
                                       DWORD size, LPCSTR file);
@@ -169,6 +176,13 @@ LPSTR WINAPI GetCommandLineA();
 DWORD WINAPI GetLastError();
 void WINAPI SetLastError(DWORD error);
 int WINAPI MulDiv(int number, int numerator, int denominator);
+
+// ---- the environment of the process: kernel32_environment.cpp ----
+
+// A variable that the machine does not state stays as it is written.
+DWORD WINAPI ExpandEnvironmentStringsA(LPCSTR text, LPSTR buffer, DWORD size);
+// Changes nothing but what the next call answers: nothing here shows boxes of its own.
+UINT WINAPI SetErrorMode(UINT mode);
 
 // ---- texts: kernel32_text.cpp ----
 

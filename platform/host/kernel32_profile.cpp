@@ -238,15 +238,24 @@ UINT ParseInteger(std::string_view text) {
   return negative ? 0 - number : number;
 }
 
-}  // namespace
-
-UINT WINAPI GetPrivateProfileIntA(LPCSTR section, LPCSTR key, INT fallback, LPCSTR file) {
-  if (EndableCallFails("GetPrivateProfileIntA")) return static_cast<UINT>(fallback);
+UINT GetInteger(LPCSTR section, LPCSTR key, INT fallback, LPCSTR file) {
   char text[30];  // no longer text is looked at
   if (GetString(section, key, "", text, sizeof(text), file) == 0) {
     return static_cast<UINT>(fallback);
   }
   return ParseInteger(text);
+}
+
+}  // namespace
+
+UINT WINAPI GetProfileIntA(LPCSTR section, LPCSTR key, INT fallback) {
+  if (EndableCallFails("GetProfileIntA")) return static_cast<UINT>(fallback);
+  return GetInteger(section, key, fallback, "win.ini");
+}
+
+UINT WINAPI GetPrivateProfileIntA(LPCSTR section, LPCSTR key, INT fallback, LPCSTR file) {
+  if (EndableCallFails("GetPrivateProfileIntA")) return static_cast<UINT>(fallback);
+  return GetInteger(section, key, fallback, file);
 }
 
 DWORD WINAPI GetPrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR fallback, LPSTR buffer,

@@ -127,6 +127,11 @@ DWORD WINAPI GetCurrentDirectoryA(DWORD size, LPSTR buffer) {
   return GiveText(CurrentMachine().files.CurrentFolder(), buffer, size);
 }
 
+DWORD WINAPI GetFullPathNameA(LPCSTR path, DWORD size, LPSTR buffer, LPSTR*) {
+  if (CallFails("GetFullPathNameA")) return 0;
+  return GiveText(CurrentMachine().files.FullPath(path), buffer, size);
+}
+
 // The program's own copy: it may change it in place.
 LPSTR WINAPI GetCommandLineA() {
   if (CallFails("GetCommandLineA")) return nullptr;

@@ -67,6 +67,22 @@ void Libraries::Add(const Library& library) {
   if (!library.path.empty()) entry.library.path = library.path;
 }
 
+bool Libraries::AddLike(std::string_view path, std::string_view other) {
+  Library library;
+  {
+    const std::lock_guard lock(mutex_);
+    const auto found = entries_.find(other);
+    if (found == entries_.end()) return false;
+    library.exports = found->second.library.exports;
+    library.ordinals = found->second.library.ordinals;
+  }
+  const std::size_t end_of_folder = path.find_last_of("\\/:");
+  library.name = path.substr(end_of_folder == std::string_view::npos ? 0 : end_of_folder + 1);
+  if (HasFolder(path)) library.path = path;
+  Add(library);
+  return true;
+}
+
 void Libraries::Remove(std::string_view name) {
   const std::lock_guard lock(mutex_);
   const auto found = entries_.find(name);

@@ -43,6 +43,9 @@ class Libraries {
 
   // Adds the library, or its exports to the library of that name.
   void Add(const Library& library);
+  // Adds a library with the functions of another: its path, or its bare name for one in the system
+  // folder. False: there is no such other.
+  bool AddLike(std::string_view path, std::string_view other);
   // The machine has no library of that name any more; a handle of it is no longer valid.
   void Remove(std::string_view name);
   // The library exports no function of that name any more.

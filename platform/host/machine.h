@@ -16,6 +16,7 @@
 #include "platform/host/file_system.h"
 #include "platform/host/handles.h"
 #include "platform/host/libraries.h"
+#include "platform/host/mail.h"
 #include "platform/host/registry.h"
 #include "platform/host/windows_types.h"
 
@@ -85,6 +86,9 @@ struct Machine {
   std::map<int, std::string>
       special_folders;  // CSIDL number to path; absent: the shell cannot give it
 
+  std::map<std::string, std::string, NoCaseLess> environment;  // of the program
+  UINT error_mode = 0;                                         // SetErrorMode
+
   std::string command_line;  // GetCommandLineA
   std::string module_path;   // GetModuleFileNameA of the program itself
 
@@ -95,6 +99,7 @@ struct Machine {
   HandleTable handles;
   Faults faults;
   std::vector<std::string> opened_targets;  // what ShellExecuteA was asked to open, in order
+  std::vector<SentMail> mail;               // what MAPISendMail was handed, in order
 };
 
 // The machine that the layer's functions answer for. One per process at a time; a test replaces it.

@@ -143,6 +143,11 @@ string_view TakeItem(string_view& text, char separator) {
   return item;
 }
 
+std::string ReadEnvironment(Machine& machine, string_view key, string_view value) {
+  const bool is_new = machine.environment.emplace(key, value).second;
+  return is_new ? "" : "the variable stands twice";
+}
+
 std::string ReadLibrary(Machine& machine, string_view key, string_view value) {
   if (value == "present") {
     machine.libraries.Add(Library{std::string(key), false, {}, {}, ""});
@@ -152,8 +157,14 @@ std::string ReadLibrary(Machine& machine, string_view key, string_view value) {
     machine.libraries.Remove(key);
     return "";
   }
+  if (value.starts_with("like ")) {
+    const bool copied = machine.libraries.AddLike(key, value.substr(5));
+    return copied ? "" : "the machine has no library of that name";
+  }
   if (TakeItem(value, ' ') != "without" || value.empty()) {
-    return "the value is neither \"present\", \"absent\" nor \"without\" and names of functions";
+    return "the value is neither \"present\", \"absent\", \"like\" and a library, nor \"without\" "
+           "and "
+           "names of functions";
   }
   while (!value.empty()) {
     const string_view function = TakeItem(value, ',');
@@ -238,6 +249,7 @@ constexpr Fact kFacts[] = {
     {"Folders", "System", Read<&Machine::system_folder>},
     {"Folders", "Temp", Read<&Machine::temp_folder>},
     {"SpecialFolders", "*", ReadSpecialFolder},
+    {"Environment", "*", ReadEnvironment},
     {"Screen", "Width", Read<&Machine::desktop, &Desktop::screen_size, &SIZE::cx>},
     {"Screen", "Height", Read<&Machine::desktop, &Desktop::screen_size, &SIZE::cy>},
     {"Screen", "BitsPerPixel", Read<&Machine::desktop, &Desktop::bits_per_pixel>},

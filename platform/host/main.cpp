@@ -172,6 +172,8 @@ int Run(const Arguments& arguments) {
   for (const std::string& target : machine.opened_targets) {
     std::cout << "Asked to open: " << TerminalText(target) << "\n";
   }
+  for (const SentMail& mail : machine.mail)
+    std::cout << MailSummary(mail);
   return exit_code;
 }
 

@@ -80,12 +80,14 @@ BOOL SHGetPathFromIDListA(LPCITEMIDLIST list, LPSTR path) {
   return TRUE;
 }
 
-HINSTANCE ShellExecuteA(HWND owner, LPCSTR verb, LPCSTR target, LPCSTR, LPCSTR, int show_command) {
+HINSTANCE ShellExecuteA(HWND owner, LPCSTR verb, LPCSTR target, LPCSTR parameters, LPCSTR folder,
+                        int show_command) {
   if (CallFails("ShellExecuteA")) return reinterpret_cast<HINSTANCE>(host::kOutOfMemory);
   const auto text = [](LPCSTR given) { return std::string(given != nullptr ? given : ""); };
   // Under the lock: the threads of the dialog and of the report both open things.
   const host::LockedDesktop desktop;
-  desktop->shell_openings.push_back({owner, text(verb), text(target), show_command});
+  desktop->shell_openings.push_back(
+      {owner, text(verb), text(target), show_command, parameters != nullptr, folder != nullptr});
   host::CurrentMachine().opened_targets.push_back(text(target));
   desktop->Changed();
   return reinterpret_cast<HINSTANCE>(host::kOpened);

@@ -9,12 +9,16 @@
 #include <string_view>
 
 #include "platform/host/desktop.h"
+#include "platform/host/mail.h"
 
 namespace host {
 
 // A text of the machine as UTF-8 with every control character made harmless ("?", a blank for a
 // tab), line ends too unless they are kept.
 std::string TerminalText(std::string_view text, bool keep_line_ends = false);
+
+// What the mail client would have shown, in words, lines with their ends.
+std::string MailSummary(const SentMail& mail);
 
 // The lines of the progress list as they are written out.
 class ProgressOutput {

@@ -240,7 +240,7 @@ std::string TextOfTheProgram(const Folder& folder, UINT id) {
 TEST_P(DialogOnEveryRelease, LinkOpensTheWebAddressMaximised) {
   FinishedRun run;
   ASSERT_TRUE(run.Wait());
-  const WebBrowser browser(run.folder);
+  const OpeningProgram browser(run.folder, "http");
   const HWND dialog = run.program->dialog();
   RECT client = {};
   GetClientRect(dialog, &client);

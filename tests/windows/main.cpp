@@ -5,10 +5,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <thread>
 
 #include "tests/windows/driver.h"
 #include "tests/windows/opened_target.h"
+#include "tests/windows/surroundings.h"
 
 namespace {
 
@@ -28,6 +30,25 @@ void EndWhenTooLong() {
   TerminateProcess(GetCurrentProcess(), 3);
 }
 
+// No mail client of the machine is ever started: for all tests but those that bring their own, none
+// is installed.
+class NoMailClient : public testing::Environment {
+ public:
+  void SetUp() override {
+    registry_.emplace(HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Windows Messaging Subsystem",
+                      "MAPI", REG_SZ, "0");
+    win_ini_.emplace("0");
+  }
+  void TearDown() override {
+    registry_.reset();
+    win_ini_.reset();
+  }
+
+ private:
+  std::optional<drive::RegistryValue> registry_;
+  std::optional<drive::MailInWinIni> win_ini_;
+};
+
 }  // namespace
 
 int main(int count, char** words) {
@@ -35,6 +56,7 @@ int main(int count, char** words) {
     return drive::RecordOpenedTarget(words[2], words[3]);
   }
   testing::InitGoogleTest(&count, words);
+  testing::AddGlobalTestEnvironment(new NoMailClient);
   std::thread(EndWhenTooLong).detach();
   return RUN_ALL_TESTS();
 }

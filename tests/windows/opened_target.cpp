@@ -6,36 +6,30 @@
 namespace drive {
 namespace {
 
-std::string OwnPath() {
-  char path[MAX_PATH] = {};
-  GetModuleFileNameA(nullptr, path, MAX_PATH);
-  return path;
-}
-
 std::string InQuotes(const std::string& text) {
   return "\"" + text + "\"";
 }
 
 // A copy of this program without a console, whose window would cover the screen.
-std::string MakeBrowser(const Folder& folder) {
-  std::string image = ReadFileBytes(OwnPath()).value();
+std::string MakeWindowless(const Folder& folder) {
+  std::string image = ReadFileBytes(OwnProgram()).value();
   IMAGE_DOS_HEADER start;
   std::memcpy(&start, image.data(), sizeof(start));
   const size_t subsystem = start.e_lfanew + offsetof(IMAGE_NT_HEADERS32, OptionalHeader.Subsystem);
   image[subsystem] = IMAGE_SUBSYSTEM_WINDOWS_GUI;
-  folder.Write("browser.exe", image);
-  return folder.Path("browser.exe");
+  folder.Write("opening.exe", image);
+  return folder.Path("opening.exe");
 }
 
 }  // namespace
 
-WebBrowser::WebBrowser(const Folder& folder)
+OpeningProgram::OpeningProgram(const Folder& folder, const std::string& kind)
     : record_path_(folder.Path("opened.txt")),
-      command_(RegistryValue::Text(HKEY_CLASSES_ROOT, "http\\shell\\open\\command", "",
-                                   InQuotes(MakeBrowser(folder)) + " " + kRecordSwitch + " " +
+      command_(RegistryValue::Text(HKEY_CLASSES_ROOT, kind + "\\shell\\open\\command", "",
+                                   InQuotes(MakeWindowless(folder)) + " " + kRecordSwitch + " " +
                                        InQuotes(record_path_) + " \"%1\"")) {}
 
-std::optional<OpenedTarget> WebBrowser::WaitForTarget() const {
+std::optional<OpenedTarget> OpeningProgram::WaitForTarget() const {
   std::optional<std::string> record;
   WaitUntil([&] { return (record = ReadFileBytes(record_path_)).has_value(); });
   if (!record) return std::nullopt;

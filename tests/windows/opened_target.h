@@ -1,5 +1,5 @@
-// Stands in for the web browser: for the life of an object, the system opens web addresses with
-// this test program, which writes down what it was given.
+// Stands in for the program that opens a kind of file, or web addresses: for the life of an object,
+// the system opens these with this test program, which writes down what it was given.
 #pragma once
 
 #include <optional>
@@ -17,10 +17,11 @@ struct OpenedTarget {
   int show_command = 0;  // SW_... that the opened program was asked to appear with
 };
 
-class WebBrowser {
+class OpeningProgram {
  public:
-  explicit WebBrowser(const Folder& folder);
-  // Nothing when no address was opened.
+  // `kind` is a class of files below HKEY_CLASSES_ROOT, or a scheme of addresses.
+  OpeningProgram(const Folder& folder, const std::string& kind);
+  // Nothing when nothing was opened.
   std::optional<OpenedTarget> WaitForTarget() const;
 
  private:

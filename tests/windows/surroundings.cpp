@@ -154,6 +154,26 @@ Release::Release(const std::string& version)
     : value_(RegistryValue::Text(HKEY_CURRENT_USER, "Software\\Wine\\AppDefaults\\hscope.exe",
                                  "Version", version)) {}
 
+MailInWinIni::MailInWinIni(const std::string& value) : old_value_(80, '\0') {
+  old_value_.resize(GetProfileStringA("Mail", "MAPI", "0", old_value_.data(), old_value_.size()));
+  WriteProfileStringA("Mail", "MAPI", value.c_str());
+}
+
+MailInWinIni::~MailInWinIni() {
+  WriteProfileStringA("Mail", "MAPI", old_value_.c_str());
+}
+
+std::string OwnProgram() {
+  char path[MAX_PATH] = {};
+  GetModuleFileNameA(nullptr, path, MAX_PATH);
+  return path;
+}
+
+std::string OwnProgramFolder() {
+  const std::string path = OwnProgram();
+  return path.substr(0, path.rfind('\\'));
+}
+
 EnvironmentVariable::EnvironmentVariable(const std::string& name, const std::string& value)
     : name_(name) {
   if (GetEnvironmentVariableA(name.c_str(), nullptr, 0) != 0) old_value_ = EnvironmentText(name);

@@ -73,6 +73,22 @@ class Release {
   RegistryValue value_;
 };
 
+// What the key MAPI of section Mail in win.ini says: whether there is a mail client.
+class MailInWinIni {
+ public:
+  explicit MailInWinIni(const std::string& value);
+  ~MailInWinIni();
+  MailInWinIni(const MailInWinIni&) = delete;
+  MailInWinIni& operator=(const MailInWinIni&) = delete;
+
+ private:
+  std::string old_value_;
+};
+
+// The path of the test program.
+std::string OwnProgram();
+std::string OwnProgramFolder();
+
 class EnvironmentVariable {
  public:
   EnvironmentVariable(const std::string& name, const std::string& value);

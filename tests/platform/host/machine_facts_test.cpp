@@ -59,6 +59,8 @@ Temp=C:\WINDOWS\TEMP\
 [SpecialFolders]
 5=C:\Eigene Dateien
 0x10=C:\WINDOWS\Desktop
+[Environment]
+ProgramFiles=C:\Programme
 [Screen]
 Width=640
 Height=480
@@ -95,6 +97,7 @@ BitsPerPixel=4
   EXPECT_EQ(machine.temp_folder, "C:\\WINDOWS\\TEMP\\");
   EXPECT_EQ(machine.special_folders,
             (std::map<int, std::string>{{5, "C:\\Eigene Dateien"}, {16, "C:\\WINDOWS\\Desktop"}}));
+  EXPECT_EQ(machine.environment["PROGRAMFILES"], "C:\\Programme");
   EXPECT_EQ(machine.desktop.screen_size.cx, 640);
   EXPECT_EQ(machine.desktop.screen_size.cy, 480);
   EXPECT_EQ(machine.desktop.bits_per_pixel, 4);
@@ -129,9 +132,11 @@ TEST(MachineFacts, Libraries) {
                                      {"Two", Export(GetTickCount)},
                                      {"Three", Export(GetTickCount)}}});
   ASSERT_EQ(State(kVersion + "[Libraries]\nOLD.DLL=absent\nNEW.DLL=present\n"
-                             "part.dll=without One, Three",
+                             "part.dll=without One, Three\nC:\\Own\\own.dll=like PART.DLL",
                   machine),
             "");
+  const HMODULE own = machine.libraries.Load("c:\\own\\OWN.DLL", "C:\\WINNT");
+  EXPECT_NE(machine.libraries.Function(own, "Two"), nullptr);
   EXPECT_EQ(machine.libraries.Load("OLD.DLL", "C:\\WINNT"), nullptr);
   EXPECT_NE(machine.libraries.Load("NEW.DLL", "C:\\WINNT"), nullptr);
   const HMODULE part = machine.libraries.Load("PART.DLL", "C:\\WINNT");
@@ -190,6 +195,8 @@ TEST(MachineFacts, WhatIsWrong) {
       {"HKCU\\K=5", "DeniedKeys", "7: HKCU\\K: a key of the user is stated below HKU"},
       {"HKLM\\K=0", "DeniedKeys", "7: HKLM\\K: the value is no error code"},
       {"X.DLL=yes", "Libraries", "7: X.DLL: the value is neither"},
+      {"X.DLL=like Y.DLL", "Libraries", "7: X.DLL: the machine has no library of that name"},
+      {"A=1\na=2", "Environment", "8: a: the variable stands twice"},
       {"X.DLL=without", "Libraries", "7: X.DLL: the value is neither"},
       {"X.DLL=without A,,B", "Libraries", "7: X.DLL: the name of a function is missing"},
       {"GetComputerName=always 5", "Faults", "7: GetComputerName: the layer has no function"},

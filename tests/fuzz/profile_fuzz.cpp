@@ -1,0 +1,63 @@
+// Arbitrary bytes as a profile: looked for and read at all moments, on a machine of each family.
+// Whatever they are, nothing is read or written out of bounds and every text ends in its field.
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/host/machine.h"
+#include "profile/read_profile.h"
+#include "tests/support/test_folder.h"
+
+namespace {
+
+using namespace hostscope;
+
+void Require(bool holds) {
+  if (!holds) std::abort();
+}
+
+// Every key reads the whole profile again, so a long one takes long and shows no more.
+constexpr std::size_t kLongest = 40000;
+
+void Find(const char* folder, const std::string& path) {
+  const OwnedText found = FindProfile(folder);
+  Require(!found.present() || path == found.c_str());
+}
+
+void ReadAll(const char* path) {
+  const auto settings = std::make_unique<ProfileSettings>();
+  std::vector<char> work(32767, 'w');
+  CreateLists(*settings);
+  for (const ReadMoment moment :
+       {ReadMoment::kStartUp, ReadMoment::kMessage, ReadMoment::kDialog, ReadMoment::kWorker})
+    ReadProfile(path, moment, *settings, work);
+  for (const CatalogueRow& row : Catalogue()) {
+    if (row.text != nullptr) {
+      const std::span<char> field = row.text(*settings);
+      Require(TextLength(field.data()) < field.size());
+    }
+    if (row.list == nullptr) continue;
+    for (int i = 0; i < (settings.get()->*row.list).count(); ++i)
+      Require(*(settings.get()->*row.list).Get(i) != '\0');
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (size > kLongest) return 0;
+  static const test::TestFolder folder;
+  folder.Write("p.ini", {reinterpret_cast<const char*>(data), size});
+  for (const DWORD platform : {1U, 2U}) {
+    host::Machine machine;
+    const host::UseMachine use(machine);
+    machine.version.platform_id = platform;
+    const std::string path = folder.PathOf("p.ini");
+    Find(folder.path().c_str(), path);
+    ReadAll(path.c_str());
+    Require(machine.handles.OpenObjects().empty());
+  }
+  return 0;
+}
