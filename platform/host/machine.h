@@ -16,6 +16,7 @@
 #include "platform/host/file_system.h"
 #include "platform/host/handles.h"
 #include "platform/host/libraries.h"
+#include "platform/host/plug_ins.h"
 #include "platform/host/registry.h"
 #include "platform/host/windows_types.h"
 
@@ -91,6 +92,7 @@ struct Machine {
   Registry registry;
   FileSystem files;
   Libraries libraries;
+  PlugIns plug_ins;
   Desktop desktop;
   HandleTable handles;
   Faults faults;
