@@ -9,9 +9,13 @@
 namespace hostscope {
 namespace {
 
+// Four blanks for each level, several levels at a time.
 void WriteIndent(ReportWriter& report, unsigned level) {
-  for (unsigned i = 0; i < level; ++i)
-    report.WriteText("    ");
+  constexpr char kBlanks[] = "                                ";
+  constexpr unsigned kLevels = sizeof kBlanks / 4;
+  for (; level > kLevels; level -= kLevels)
+    report.WriteText(kBlanks);
+  report.WriteText(kBlanks + std::size_t{4} * (kLevels - level));
 }
 
 void WriteSubkeyLine(ReportWriter& report, const char* name) {
