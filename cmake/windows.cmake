@@ -3,6 +3,18 @@
 include(cmake/hscope_exe.cmake)
 add_freestanding_exe(hscope ${PROGRAM_SOURCES})
 
+# Plug-ins, each by the one command that the kit's own users give.
+function(add_plugin name source)
+  set(kit ${PROJECT_SOURCE_DIR}/sdk)
+  add_custom_command(OUTPUT ${name}.dll
+    COMMAND ${CMAKE_COMMAND} -E env CC=${CMAKE_C_COMPILER} ${kit}/build.sh ${source} ${name}.dll
+    DEPENDS ${source} ${kit}/build.sh ${kit}/hscope_plugin.h VERBATIM)
+  add_custom_target(${name} ALL DEPENDS ${name}.dll)
+endfunction()
+
+add_plugin(sample_plugin ${PROJECT_SOURCE_DIR}/sdk/sample_plugin.c)
+add_plugin(test_plugin ${PROJECT_SOURCE_DIR}/tests/windows/test_plugin.c)
+
 # What runs beside the exe is ordinary C++ with the runtime linked in.
 function(add_ordinary_exe name)
   add_executable(${name} ${ARGN})

@@ -5,6 +5,9 @@
 #include "probes/system/user.h"
 #include "probes/system/windows_version.h"
 #include "probes/system/working_time.h"
+#include "scans/custom_dlls.h"
+#include "scans/key_scan.h"
+#include "scans/registry_dump.h"
 
 namespace hostscope {
 namespace {
@@ -55,6 +58,18 @@ constexpr Item kNetworkItems[] = {
     {.step = WriteEmptyLine},
 };
 
+constexpr Item kRegistryItems[] = {
+    {.progress_label = "Registry keys...", .write_lines = WriteRegistryKeys},
+};
+
+constexpr Item kKeyScanItems[] = {
+    {.write_lines = ScanKeys},
+};
+
+constexpr Item kCustomDllItems[] = {
+    {.write_lines = RunCustomDlls},
+};
+
 constexpr Section kSections[] = {
     {.banner = "SYSTEM INFORMATION",
      .profile_section = "SYSTEM",
@@ -73,11 +88,11 @@ constexpr Section kSections[] = {
     {.banner = "PRINTERS", .profile_section = "PRINTER"},
     {.banner = "PROCESSES", .profile_section = "PROCESS"},
     {.banner = "DLLS VERSIONS", .list = &Settings::dlls},
-    {.banner = "REGISTRY KEYS", .list = &Settings::registry_keys},
+    {.banner = "REGISTRY KEYS", .list = &Settings::registry_keys, .items = kRegistryItems},
     // The scan that appends to the folders below; it has no banner.
-    {.list = &Settings::scan_keys},
+    {.list = &Settings::scan_keys, .items = kKeyScanItems},
     {.banner = "Folders & files", .list = &Settings::folders},
-    {.banner = "ADDITIONAL INFORMATION", .list = &Settings::custom_dlls},
+    {.banner = "ADDITIONAL INFORMATION", .list = &Settings::custom_dlls, .items = kCustomDllItems},
 };
 
 }  // namespace

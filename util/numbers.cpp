@@ -1,5 +1,7 @@
 #include "util/numbers.h"
 
+#include "util/text.h"
+
 namespace hostscope {
 namespace {
 
@@ -27,6 +29,16 @@ std::uint32_t ParseProfileNumber(const char* text) {
   if (text[0] == '0' && DigitValue(text[1]) < 8) return ParseDigits(text + 1, 8);
   if (text[0] == '-') return 0U - ParseDigits(text + 1, 10);
   return ParseDigits(text, 10);
+}
+
+void FormatUnsigned64(std::uint64_t number, std::span<char> text) {
+  char digits[kUnsigned64Size] = {};
+  std::size_t first = kUnsigned64Size - 1;
+  do {
+    digits[--first] = static_cast<char>('0' + number % 10);
+    number /= 10;
+  } while (number != 0);
+  CopyText(text.data(), text.size(), digits + first);
 }
 
 }  // namespace hostscope

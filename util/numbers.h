@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 namespace hostscope {
 
@@ -12,5 +13,12 @@ namespace hostscope {
 // It ends at the first other character. No blank is skipped and no plus sign taken; a text without
 // leading digits gives 0, and overflow wraps modulo 2^32.
 std::uint32_t ParseProfileNumber(const char* text);
+
+// Room for any number in FormatUnsigned64, terminator included.
+inline constexpr std::size_t kUnsigned64Size = 21;
+
+// The number in decimal digits, cut to the text's room: the platform's formatter knows no 64-bit
+// numbers on the older systems.
+void FormatUnsigned64(std::uint64_t number, std::span<char> text);
 
 }  // namespace hostscope

@@ -14,8 +14,12 @@ RegistryKey& RegistryKey::operator=(RegistryKey&& other) noexcept {
 }
 
 RegistryKey RegistryKey::Open(HKEY root, const char* subkey, DWORD access) {
-  RegistryKey result;
   if (subkey != nullptr && subkey[0] == '\\') ++subkey;
+  return OpenAsWritten(root, subkey, access);
+}
+
+RegistryKey RegistryKey::OpenAsWritten(HKEY root, const char* subkey, DWORD access) {
+  RegistryKey result;
   HKEY opened = nullptr;
   if (RegOpenKeyExA(root, subkey, 0, access, &opened) == ERROR_SUCCESS) result.key_ = opened;
   return result;

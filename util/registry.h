@@ -22,6 +22,8 @@ class RegistryKey {
   // Opens a subkey with the access mask; one leading backslash of the subkey is skipped. Not open
   // when the key is absent or refused.
   static RegistryKey Open(HKEY root, const char* subkey, DWORD access);
+  // The same with the subkey as it stands; null is the root itself.
+  static RegistryKey OpenAsWritten(HKEY root, const char* subkey, DWORD access);
   bool open() const { return key_ != nullptr; }
   HKEY get() const { return key_; }
   void Close();

@@ -17,6 +17,7 @@
 #include "platform/host/handles.h"
 #include "platform/host/libraries.h"
 #include "platform/host/mail.h"
+#include "platform/host/plug_ins.h"
 #include "platform/host/registry.h"
 #include "platform/host/windows_types.h"
 
@@ -95,6 +96,7 @@ struct Machine {
   Registry registry;
   FileSystem files;
   Libraries libraries;
+  PlugIns plug_ins;
   Desktop desktop;
   HandleTable handles;
   Faults faults;

@@ -174,6 +174,51 @@ std::string ReadLibrary(Machine& machine, string_view key, string_view value) {
   return "";
 }
 
+// The text between double quotes: \r, \n, \t, \" and \\ stand for what they do in C; none for
+// anything else.
+std::optional<std::string> QuotedText(string_view quoted) {
+  if (quoted.size() < 2 || quoted.front() != '"' || quoted.back() != '"') return std::nullopt;
+  quoted = quoted.substr(1, quoted.size() - 2);
+  constexpr string_view kEscapes = "rnt\"\\";
+  constexpr string_view kMeanings = "\r\n\t\"\\";
+  std::string text;
+  for (std::size_t at = 0; at < quoted.size(); ++at) {
+    if (quoted[at] == '"') return std::nullopt;
+    if (quoted[at] != '\\') {
+      text += quoted[at];
+      continue;
+    }
+    const std::size_t escape = ++at < quoted.size() ? kEscapes.find(quoted[at]) : string_view::npos;
+    if (escape == string_view::npos) return std::nullopt;
+    text += kMeanings[escape];
+  }
+  return text;
+}
+
+std::string ReadPlugIn(Machine& machine, string_view key, string_view value) {
+  const std::size_t comma = key.rfind(',');
+  if (comma == string_view::npos || comma == 0 || comma + 1 == key.size()) {
+    return "the key is no library and function with a comma between them";
+  }
+  PlugIn plug_in;
+  const std::string reason = ReadValue(TakeItem(value, ' '), plug_in.succeeds);
+  if (!reason.empty()) return reason;
+  while (value.starts_with(' '))
+    value.remove_prefix(1);
+  const std::optional<std::string> text = QuotedText(value.empty() ? "\"\"" : value);
+  if (!text)
+    return "the text is not between double quotes, or has a \"\\\" that stands for nothing";
+  plug_in.text = *text;
+  const FARPROC function = machine.plug_ins.Add(std::move(plug_in));
+  if (function == nullptr) return "there are too many plug-ins";
+  Library library{.name = std::string(key.substr(0, comma))};
+  library.exports.emplace(key.substr(comma + 1), function);
+  // One with a folder lies there, any other in the system folder.
+  if (library.name.find_first_of("\\/:") != std::string::npos) library.path = library.name;
+  machine.libraries.Add(library);
+  return "";
+}
+
 std::string ReadDeniedKey(Machine& machine, string_view key, string_view value) {
   const std::optional<Hive> hive = HiveByName(key.substr(0, key.find('\\')));
   if (!hive) return "the key is no path that begins with a hive";
@@ -255,6 +300,7 @@ constexpr Fact kFacts[] = {
     {"Screen", "BitsPerPixel", Read<&Machine::desktop, &Desktop::bits_per_pixel>},
     {"DeniedKeys", "*", ReadDeniedKey},
     {"Libraries", "*", ReadLibrary},
+    {"PlugIns", "*", ReadPlugIn},
     {"Faults", "*", ReadFault},
 };
 

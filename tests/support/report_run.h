@@ -33,6 +33,12 @@ class ReportRun {
   // Runs the items alone, into the same report.
   void RunItems(std::initializer_list<Item> items);
   std::string Report() const { return folder_.Read("report.txt"); }
+  // What stands below the last banner and its empty line.
+  std::string LastSection() const {
+    const std::string report = Report();
+    const std::size_t rule = report.rfind("=\r\n\r\n");
+    return rule == std::string::npos ? "no banner" : report.substr(rule + 5);
+  }
   std::vector<std::string> Progress() const { return machine_.desktop.ListLines(list_); }
 
  private:

@@ -1,5 +1,7 @@
 #include "tests/windows/driver.h"
 
+#include <gtest/gtest.h>
+
 #include <tlhelp32.h>
 
 #include <algorithm>
@@ -325,6 +327,17 @@ void ReleaseMouseButton(HWND window, POINT client_point) {
 void Click(HWND window, POINT client_point) {
   PressMouseButton(window, client_point);
   ReleaseMouseButton(window, client_point);
+}
+
+std::string ReportOf(const Folder& folder, const std::string& profile,
+                     std::vector<Interception*> interceptions, std::vector<std::string>* list) {
+  folder.Write("test.ini", profile);
+  Program program(folder, {.arguments = {"test.ini"}, .interceptions = interceptions});
+  EXPECT_TRUE(program.WaitUntilFinished());
+  if (list) *list = program.Lines();
+  TypeKey(program.dialog(), 'X');
+  EXPECT_EQ(program.WaitForExit(), 0u);
+  return folder.Read("hscope.txt").value_or("no report");
 }
 
 POINT MiddleOf(HWND window) {

@@ -77,6 +77,12 @@ class Program {
   HWND dialog_ = nullptr;
 };
 
+// Runs the profile to its end, closes the dialog with a key and answers the report; the dialog's
+// lines go to the list.
+std::string ReportOf(const Folder& folder, const std::string& profile,
+                     std::vector<Interception*> interceptions = {},
+                     std::vector<std::string>* list = nullptr);
+
 // SendMessage to a window of another process with a limit; -1 when no answer comes. Its list box
 // messages count in 32 bits and know 16-bit text only.
 LRESULT Ask(HWND window, UINT message, WPARAM first = 0, LPARAM second = 0);

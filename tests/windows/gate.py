@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """The gate over hscope.exe: what the loaders and processors of old systems would refuse.
 
-    gate.py EXE [--symbols SYMBOLS_EXE] [--imports LIST] [--instructions LIST] [--max-size BYTES]
-                [--same OTHER_EXE]
+    gate.py EXE [--symbols SYMBOLS_EXE] [--plugin FUNCTION] [--imports LIST] [--instructions LIST]
+                [--max-size BYTES] [--same OTHER_EXE]
 
+With --plugin the file is a plug-in that exports this function and nothing else.
 Prints each finding on a line of its own; exit code 1 when there is any, 0 when there is none, 2
 when the gate could not look. Without the file with symbols a static constructor has no name, and no
 function can have an allowance for younger instructions.
@@ -48,25 +49,41 @@ FORBIDDEN_DIRECTORIES = {
 }
 SECTION_EXECUTABLE = 0x20000000
 
+# A plug-in lies where there is room, on the stack of whoever calls it.
+PROGRAM_ALONE = {"ImageBase", "StackReserve", "StackCommit"}
+PLUGIN_CHARACTERISTICS = 0x2102  # library, executable, 32-bit
+PLUGIN_CHARACTERISTICS_NEVER = 0x21  # relocations stripped, addresses above 2 GB
+PLUGIN_DIRECTORIES = {pe_file.DIRECTORY_EXPORT, pe_file.DIRECTORY_RELOCATION}
 
-def check_headers(pe):
+
+def check_headers(pe, is_plugin):
     for field, (expected, why) in EXPECTED_HEADER.items():
-        if pe.header[field] != expected:
+        if pe.header[field] != expected and not (is_plugin and field in PROGRAM_ALONE):
             yield f"header: {field} is {pe.header[field]:#x}, not {expected:#x} ({why})"
     flags = pe.header["Characteristics"]
-    if flags & CHARACTERISTICS != CHARACTERISTICS or flags & CHARACTERISTICS_NEVER:
-        yield f"header: Characteristics is {flags:#x}, no plain 32-bit program at a fixed base"
+    needed, never, what = (
+        (PLUGIN_CHARACTERISTICS, PLUGIN_CHARACTERISTICS_NEVER, "movable library") if is_plugin
+        else (CHARACTERISTICS, CHARACTERISTICS_NEVER, "program at a fixed base"))
+    if flags & needed != needed or flags & never:
+        yield f"header: Characteristics is {flags:#x}, no plain 32-bit {what}"
     for number, what in FORBIDDEN_DIRECTORIES.items():
-        if pe.has_directory(number):
-            yield f"header: has {what}"
+        belongs = is_plugin and number in PLUGIN_DIRECTORIES
+        if pe.has_directory(number) != belongs:
+            yield f"header: has {'no ' if belongs else ''}{what}"
     for section in pe.sections:
-        if section.name in (".reloc", ".tls"):
+        if section.name == ".tls" or section.name == ".reloc" and not is_plugin:
             yield f"section: {section.name} is there"
         if section.flags & SECTION_EXECUTABLE and section.name != ".text":
             yield f"section: {section.name} holds code as well"
 
 
-# --- Imports ---
+# --- Imports and exports ---
+
+
+def check_exports(pe, function):
+    names = pe.exports()
+    if names != [function]:
+        yield f"exports: {', '.join(names) or 'nothing'}, not {function} alone"
 
 
 def read_table(path, columns):
@@ -297,9 +314,14 @@ def findings(options):
         pe = pe_file.PeFile(options.exe.read_bytes())
         symbols = pe_file.PeFile(options.symbols.read_bytes()) if options.symbols else None
         yield from check_size(pe, options.max_size)
-        yield from check_headers(pe)
+        yield from check_headers(pe, is_plugin=options.plugin is not None)
         yield from check_imports(pe, imports)
-        yield from check_resources(pe)
+        if options.plugin is None:
+            yield from check_resources(pe)
+        else:
+            yield from check_exports(pe, options.plugin)
+            if pe.has_directory(pe_file.DIRECTORY_RESOURCE):
+                yield "resources: a plug-in has none"
         if symbols:
             yield from check_symbols(pe, symbols)
         yield from check_code(options.symbols or options.exe, allowances)
@@ -314,6 +336,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n", 1)[0])
     parser.add_argument("exe", type=pathlib.Path)
     parser.add_argument("--symbols", type=pathlib.Path)
+    parser.add_argument("--plugin", metavar="FUNCTION")
     parser.add_argument("--imports", type=pathlib.Path, default=HERE / "allowed_imports.tsv")
     parser.add_argument("--instructions", type=pathlib.Path,
                         default=HERE / "allowed_instructions.tsv")

@@ -78,6 +78,66 @@ class RealExe(Table):
                  copy / "build/windows/hscope.exe"], [])
 
 
+class PlugIns(Table):
+    """The sample plug-in, and others with one fault each: a source, options of the kit's build."""
+
+    FUNCTION = "WriteConfigurationFiles"
+    SAMPLE, FAULTS = ROOT / "sdk/sample_plugin.c", HERE / "gate_cases/plugin.c"
+    CASES = {
+        "good": (FAULTS, [], []),
+        "dynamic_base": (FAULTS, ["-Wl,--dynamicbase"], ["DllCharacteristics is 0x40"]),
+        "young_subsystem": (FAULTS, ["-Wl,--subsystem,windows:5.1"],
+                            ["MajorSubsystem is 0x5", "MinorSubsystem is 0x1"]),
+        "other_name": (FAULTS, ["-DWriteConfigurationFiles=WriteOther"],
+                       ["exports: WriteOther, not WriteConfigurationFiles alone"]),
+        "two_names": (FAULTS, ["-DSECOND_EXPORT"],
+                      ["exports: Second, WriteConfigurationFiles, not"]),
+        "young_import": (FAULTS, ["-DYOUNG_IMPORT"], ["GetDiskFreeSpaceExA is not on the list"]),
+        "young_instruction": (FAULTS, ["-DYOUNG_INSTRUCTION"], ["bswap at"]),
+        "thread_storage": (FAULTS, ["-DTHREAD_STORAGE"], ["has thread-local storage"]),
+        "time_stamp": (SAMPLE, ["-Wl,--insert-timestamp"], ["TimeDateStamp is 0x"]),
+    }
+
+    @staticmethod
+    def build(source, output, options=(), kit=ROOT / "sdk"):
+        must_run(kit / "build.sh", source, output, *options)
+        return output
+
+    def test_the_sample_passes_and_is_the_same_elsewhere(self):
+        sample = windows_folder / "sample_plugin.dll"
+        with tempfile.TemporaryDirectory() as folder:
+            kit = pathlib.Path(folder) / "kit"
+            shutil.copytree(ROOT / "sdk", kit)
+            other = self.build(kit / "sample_plugin.c", kit / "sample_plugin.dll", kit=kit)
+            self.check_findings([sample, "--plugin", self.FUNCTION, "--same", other], [])
+        self.assertEqual({i.library for i in pe_file.PeFile(sample.read_bytes()).imports()},
+                         {"KERNEL32.dll"})
+
+    def test_each_fault_is_named(self):
+        for name, (source, options, expected) in self.CASES.items():
+            with self.subTest(name):
+                dll = self.build(source, case_folder / f"{name}.dll", options)
+                self.check_findings([dll, "--plugin", self.FUNCTION], expected)
+
+    def test_without_relocations(self):
+        data = bytearray((windows_folder / "sample_plugin.dll").read_bytes())
+        header = struct.unpack_from("<I", data, 0x3C)[0] + 24
+        data[header - 2] |= 1
+        directory = header + 96 + 8 * pe_file.DIRECTORY_RELOCATION
+        data[directory:directory + 8] = bytes(8)
+        fixed = case_folder / "fixed.dll"
+        fixed.write_bytes(data)
+        self.check_findings([fixed, "--plugin", self.FUNCTION],
+                            ["Characteristics .* movable library", "has no relocations"])
+
+    def test_a_program_is_no_plug_in(self):
+        status, lines = gate(case_folder / "good.exe", "--plugin", self.FUNCTION)
+        self.assertEqual(status, 1)
+        for expected in ("movable library", "has no relocations", "exports: nothing, not",
+                         "resources: a plug-in has none"):
+            self.assertRegex("\n".join(lines), expected)
+
+
 class BuiltFaults(Table):
     FIXED_BASE = "header: Characteristics .* fixed base"
     CASES = {

@@ -108,6 +108,17 @@ class PeFile:
                 function = entry & 0xFFFF if entry >> 31 else text_at(self.at(entry + 2), 0)
                 yield Import(text_at(self.at(library), 0), function)
 
+    def exports(self):
+        """The exported names; a function without a name counts by its number, as text."""
+        address, size = self.directories[DIRECTORY_EXPORT]
+        if size == 0:
+            return []
+        base, functions, named, _, names, numbers = unpack("<6I", self.at(address), 16)
+        by_index = {unpack("<H", self.at(numbers), 2 * i)[0]:
+                    text_at(self.at(unpack("<I", self.at(names), 4 * i)[0]), 0)
+                    for i in range(named)}
+        return [by_index.get(index, str(base + index)) for index in range(functions)]
+
     def resources(self):
         address, size = self.directories[DIRECTORY_RESOURCE]
         if size == 0:

@@ -39,19 +39,6 @@ std::vector<std::string> NamesIn(const std::string& folder) {
   return names;
 }
 
-// Runs the profile to its end and closes the dialog with a key.
-std::string ReportOf(const Folder& folder, const std::string& profile,
-                     std::vector<Interception*> interceptions = {},
-                     std::vector<std::string>* list = nullptr) {
-  folder.Write("test.ini", profile);
-  Program program(folder, {.arguments = {"test.ini"}, .interceptions = interceptions});
-  EXPECT_TRUE(program.WaitUntilFinished());
-  if (list) *list = program.Lines();
-  TypeKey(program.dialog(), 'X');
-  EXPECT_EQ(program.WaitForExit(), 0u);
-  return folder.Read("hscope.txt").value_or("no report");
-}
-
 class RunOnEveryRelease : public EveryRelease {};
 
 TEST_P(RunOnEveryRelease, ReportsTheSystem) {

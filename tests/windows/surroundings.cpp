@@ -108,6 +108,13 @@ void Folder::MakeFolder(const std::string& name) const {
   }
 }
 
+void Folder::CopyFromBuild(const std::string& name) const {
+  const std::string program = ProgramUnderTest();
+  const std::string built = program.substr(0, program.find_last_of("/\\") + 1) + name;
+  if (!CopyFileA(built.c_str(), Path(name).c_str(), FALSE))
+    throw std::runtime_error("cannot copy " + built);
+}
+
 std::optional<std::string> Folder::Read(const std::string& name) const {
   return ReadFileBytes(Path(name));
 }

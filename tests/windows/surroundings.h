@@ -36,6 +36,8 @@ class Folder {
   std::string Path(const std::string& name) const { return path_ + "\\" + name; }
   void Write(const std::string& name, const std::string& bytes) const;
   void MakeFolder(const std::string& name) const;
+  // Copies a file that was built beside the program that HSCOPE_EXE names.
+  void CopyFromBuild(const std::string& name) const;
   std::optional<std::string> Read(const std::string& name) const;
 
  private:

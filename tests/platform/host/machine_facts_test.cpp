@@ -8,6 +8,7 @@
 
 #include "platform/host/advapi32.h"
 #include "platform/host/kernel32.h"
+#include "tests/support/test_folder.h"
 
 namespace host {
 namespace {
@@ -145,6 +146,29 @@ TEST(MachineFacts, Libraries) {
   EXPECT_EQ(machine.libraries.Function(part, "Three"), nullptr);
 }
 
+TEST(MachineFacts, PlugIns) {
+  Machine machine;
+  ASSERT_EQ(State(kVersion + "[PlugIns]\na,b.dll,Write = yes  \"K\u00dc \\\"x\\\"\\\\y\\r\\n\"\n"
+                             "C:\\T\\p.dll,A=no\nC:\\T\\p.dll,B=yes",
+                  machine),
+            "");
+  const UseMachine use(machine);
+  const auto function = [&](const char* library, const char* name) {
+    return machine.libraries.Function(machine.libraries.Load(library, "C:\\WINNT"), name);
+  };
+  EXPECT_NE(function("a,b.dll", "Write"), nullptr);
+  EXPECT_EQ(function("a,b.dll", "write"), nullptr);
+  EXPECT_NE(function("C:\\T\\p.dll", "A"), function("c:\\t\\P.DLL", "B"));
+  EXPECT_EQ(machine.libraries.Load("p.dll", "C:\\WINNT"), nullptr);
+  hostscope::test::TestFolder folder;
+  const HANDLE file =
+      CreateFileA(folder.PathOf("out").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+  EXPECT_TRUE(machine.plug_ins.Run(0, file));
+  EXPECT_FALSE(machine.plug_ins.Run(1, file));
+  CloseHandle(file);
+  EXPECT_EQ(folder.Read("out"), "K\xDC \"x\"\\y\r\n");
+}
+
 TEST(MachineFacts, DeniedKeys) {
   Machine machine;
   ASSERT_EQ(State(kVersion + "[DeniedKeys]\nHKLM\\SECURITY=5\nhku\\S-1-5-18 = 0x57", machine), "");
@@ -199,6 +223,13 @@ TEST(MachineFacts, WhatIsWrong) {
       {"A=1\na=2", "Environment", "8: a: the variable stands twice"},
       {"X.DLL=without", "Libraries", "7: X.DLL: the value is neither"},
       {"X.DLL=without A,,B", "Libraries", "7: X.DLL: the name of a function is missing"},
+      {"p.dll=yes", "PlugIns", "7: p.dll: the key is no library and function"},
+      {"p.dll,=yes", "PlugIns", "7: p.dll,: the key is no library and function"},
+      {"p,F=on", "PlugIns", "7: p,F: the value is neither \"yes\" nor \"no\""},
+      {"p,F=yes x", "PlugIns", "7: p,F: the text is not between double quotes"},
+      {"p,F=yes \"a\"b\"", "PlugIns", "7: p,F: the text is not between double quotes"},
+      {"p,F=yes \"\\x\"", "PlugIns", "7: p,F: the text is not between double quotes"},
+      {"p,F=yes \"\\\"", "PlugIns", "7: p,F: the text is not between double quotes"},
       {"GetComputerName=always 5", "Faults", "7: GetComputerName: the layer has no function"},
       {"Sleep=5", "Faults", "7: Sleep: the value is neither"},
       {"Sleep=always", "Faults", "7: Sleep: the value is neither"},

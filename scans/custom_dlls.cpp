@@ -1,0 +1,66 @@
+#include "scans/custom_dlls.h"
+
+#include <cstring>
+
+#include "scans/list_entry.h"
+#include "util/text.h"
+
+namespace hostscope {
+namespace {
+
+// By the C convention: the caller takes the argument off the stack again. Of the result only the
+// low eight bits count; whatever the function left above them is not looked at.
+using PlugInFunction = unsigned char (*)(HANDLE report);
+
+// An entry without a name names no function; the platform is not asked, which takes what is no
+// address of a text for a number.
+PlugInFunction FindPlugIn(HMODULE library, const char* name) {
+  if (name == nullptr || name[0] == '\0') return nullptr;
+  return reinterpret_cast<PlugInFunction>(
+      reinterpret_cast<void (*)()>(GetProcAddress(library, name)));
+}
+
+const char* StatusOf(PlugInFunction plug_in, ReportWriter& report) {
+  if (plug_in == nullptr) return "NoFunc";
+  return plug_in(report.FlushedFile()) != 0 ? "Ok" : "Failed";
+}
+
+// Loads, calls and unloads; the status word.
+const char* RunPlugIn(const char* dll, const char* name, ReportWriter& report) {
+  HMODULE const library = LoadLibraryA(dll);
+  if (library == nullptr) return "Absent";
+  const char* const status = StatusOf(FindPlugIn(library, name), report);
+  FreeLibrary(library);
+  return status;
+}
+
+// "DLL...", with room for the status word in a line that is formatted.
+void MakeLabel(const char* dll, char (&label)[kFormattedSize]) {
+  constexpr char kDots[] = "...";
+  constexpr std::size_t kMost = kFormattedSize - sizeof kDots - sizeof "Absent";
+  CopyText(label, kMost, dll);
+  std::memcpy(label + TextLength(label), kDots, sizeof kDots);
+}
+
+void RunEntry(ItemRun& run, char* entry) {
+  const char* const name = CutAtLastComma(entry);
+  char label[kFormattedSize];
+  MakeLabel(entry, label);
+  run.progress.AddProgressLine(label);
+  const char* const status = RunPlugIn(entry, name, run.report);
+  run.progress.ReplaceWithStatus(label, status);
+}
+
+}  // namespace
+
+bool RunCustomDlls(ItemRun& run) {
+  run.progress.AddProgressLine("Custom dlls:");
+  const StringList& entries = run.settings.custom_dlls;
+  for (int i = 0; i < entries.count(); ++i) {
+    OwnedText entry = DuplicateText(entries.Get(i));
+    if (entry.present()) RunEntry(run, entry.data());
+  }
+  return true;
+}
+
+}  // namespace hostscope

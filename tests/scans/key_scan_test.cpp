@@ -1,0 +1,161 @@
+#include "scans/key_scan.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "scans/registry_dump.h"
+#include "tests/support/report_run.h"
+
+namespace hostscope {
+namespace {
+
+TEST(KeyScan, FolderPathTexts) {
+  struct Row {
+    const char* text;
+    bool expected;
+  };
+  const Row rows[] = {
+      {"C:\\Program Files\\App", true},
+      {"z:\\x", true},
+      {"C:\\", true},
+      {"C:\\a,b;c|d\"", true},
+      {"C:\\a\\\\b", true},
+      {"C:\\\\a", false},
+      {"C:", false},
+      {"C:a", false},
+      {"C:/a", false},
+      {"1:\\a", false},
+      {"\xC4:\\a", false},
+      {"[:\\a", false},
+      {"@:\\a", false},
+      {" C:\\a", false},
+      {"C:\\a*", false},
+      {"C:\\a?", false},
+      {"C:\\<a", false},
+      {"C:\\a>", false},
+      {"%ProgramFiles%\\App", false},
+      {"App\\x", false},
+      {"\\App\\x\\y\\z\\w", false},
+      {"", false},
+      {"\\\\server\\share\\folder", true},
+      {"\\\\server\\share\\folder\\", true},
+      {"\\\\server\\share\\\\", true},
+      {"\\\\s\\?\\*", true},
+      {"\\\\server\\share\\", false},
+      {"\\\\server\\share", false},
+      {"\\\\", false},
+  };
+  for (const Row& row : rows)
+    EXPECT_EQ(IsFolderPathText(row.text), row.expected) << row.text;
+}
+
+class KeyScanRun : public testing::Test {
+ protected:
+  KeyScanRun() {
+    run_.folder().Write("c/Program Files/App/app.exe", "MZ");
+    run_.machine().files.MountDrive('C', run_.folder().path() / "c");
+  }
+  void SetText(const char* key, const char* name, const std::string& text) {
+    run_.machine().registry.SetText(std::string("HKLM\\K") + key, name, text);
+  }
+  // The list of folders after a run with these entries, the report and the progress list otherwise
+  // untouched.
+  std::vector<std::string> FoldersAfter(std::string_view entries, std::string_view folders = "") {
+    run_.Run("[SCAN KEYS]\r\n" + std::string(entries) + "\r\n[FOLDERS]\r\n" + std::string(folders));
+    std::vector<std::string> found;
+    for (int i = 0; i < run_.settings().folders.count(); ++i)
+      found.emplace_back(run_.settings().folders.Get(i));
+    return found;
+  }
+
+  test::ReportRun run_;
+};
+
+using Entries = std::vector<std::string>;
+
+TEST_F(KeyScanRun, WhichValuesAreTaken) {
+  SetText("", "folder", "C:\\Program Files\\App\\");
+  SetText("", "again", "C:\\Program Files\\App");
+  SetText("", "other case", "c:\\program files\\app");
+  SetText("", "file", "C:\\Program Files\\App\\app.exe");
+  SetText("", "missing", "C:\\Gone\\\\");
+  SetText("", "root", "C:\\");
+  SetText("", "drive that is not there", "X:\\y");
+  SetText("", "no path", "%ProgramFiles%\\App");
+  SetText("", "number in the text", "C:\\a%u,1");
+  SetText("", "long", "C:\\" + std::string(2000, 'l'));
+  host::Registry& registry = run_.machine().registry;
+  registry.SetExpandText("HKLM\\K", "other type", "C:\\Expand");
+  registry.SetValue("HKLM\\K", "unterminated", REG_SZ, "C:\\Open");
+  registry.SetValue("HKLM\\K", "nothing", REG_SZ, "");
+  EXPECT_EQ(
+      FoldersAfter("HKLM\\K"),
+      (Entries{"C:\\Program Files\\App,0", "c:\\program files\\app,0", "C:\\Gone\\,0", "C:,0",
+               "X:\\y,0", "C:\\a%u,1,0", "C:\\" + std::string(2000, 'l') + ",0", "C:\\Open,0"}));
+  for (const std::string& line : run_.Progress())
+    EXPECT_EQ(line.find("keys"), std::string::npos) << line;
+}
+
+TEST_F(KeyScanRun, SubtreesNumbersAndDuplicates) {
+  SetText("", "own", "C:\\Own");
+  SetText("\\B", "b", "C:\\B");
+  SetText("\\A\\C", "c", "C:\\C");
+  SetText("\\A", "a", "C:\\Own");
+  const Entries shallow = {"C:\\Own,0"};
+  const Entries whole = {"C:\\C,0", "C:\\Own,0", "C:\\B,0"};
+  const Entries flagged = {"C:\\C,7", "C:\\Own,7", "C:\\B,7"};
+  struct Row {
+    const char* entries;
+    Entries expected;
+    const char* folders = "";
+  };
+  const Row rows[] = {
+      {"HKLM\\K", shallow},
+      {"HKLM\\K,0", shallow},
+      {"HKLM\\K, 1", shallow},
+      {"HKLM\\K,1", whole},
+      {"HKLM\\K,1,7", flagged},
+      {"HKLM\\K,0,-1", {"C:\\Own,4294967295"}},
+      {"HKLM\\K,x,0x10", {"C:\\Own,16"}},
+      {"HKLM\\K,lost,1,7", flagged},
+      {"HKLM\\none,1\r\nHKEY_LOCAL_MACHINE\\K\r\nhklm\\k\\b", {"C:\\B,0"}},
+      {"HKLM\\K\\B\r\nHKLM\\K,1\r\nHKLM\\K\\B,0,1", {"C:\\B,0", "C:\\C,0", "C:\\Own,0", "C:\\B,1"}},
+      {"HKLM\\K,1", {"C:\\B,0", "c:\\own,0", "C:\\C,0", "C:\\Own,0"}, "C:\\B,0\r\nc:\\own,0"},
+  };
+  for (const Row& row : rows)
+    EXPECT_EQ(FoldersAfter(row.entries, row.folders), row.expected) << row.entries;
+}
+
+// Each text is found again, however many there are, and with no memory for the index too.
+TEST_F(KeyScanRun, ManyFolders) {
+  for (const bool has_memory : {true, false}) {
+    constexpr int kCount = 300;
+    Entries expected;
+    for (int i = 0; i < kCount; ++i) {
+      const std::string path = "C:\\f" + std::to_string(i);
+      SetText("\\A", std::to_string(i).c_str(), path);
+      SetText("", std::to_string(kCount - i).c_str(), path);
+      expected.push_back(path + ",0");
+    }
+    StringList list;
+    ASSERT_TRUE(list.Create());
+    HKEY key = nullptr;
+    RegOpenKeyExA(HKEY_LOCAL_MACHINE, "K", 0, KEY_READ, &key);
+    host::Faults& faults = run_.machine().faults;
+    if (!has_memory) faults.FailNth("HeapAlloc", 1, ERROR_NOT_ENOUGH_MEMORY);
+    {
+      TextIndex folders(list);
+      ScanKeyForFolders(key, true, 0, folders);
+    }
+    RegCloseKey(key);
+    Entries found;
+    for (int i = 0; i < list.count(); ++i)
+      found.emplace_back(list.Get(i));
+    EXPECT_EQ(found, expected);
+  }
+}
+
+}  // namespace
+}  // namespace hostscope

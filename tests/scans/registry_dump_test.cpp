@@ -1,0 +1,231 @@
+#include "scans/registry_dump.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "profile/catalogue.h"
+#include "scans/registry_value.h"
+#include "tests/support/report_run.h"
+
+namespace hostscope {
+namespace {
+
+using namespace std::string_literals;
+
+TEST(FormatRegistryValue, EveryTypeAndSize) {
+  host::Machine machine;
+  const host::UseMachine use(machine);
+  struct Row {
+    DWORD type;
+    std::string data;
+    std::string expected;
+  };
+  const std::string long_text(5000, 'x');
+  const Row rows[] = {
+      {REG_SZ, "abc\0"s, "\"abc\""},
+      {REG_SZ, "\0"s, "\"\""},
+      {REG_SZ, "ab\0cd\0"s, "\"ab\""},
+      {REG_SZ, "abc", "\"ab\""},
+      {REG_SZ, "a\"b\r\n\0"s, "\"a\"b\r\n\""},
+      {REG_SZ, long_text + '\0', '"' + long_text + '"'},
+      {REG_EXPAND_SZ, "%TEMP%\0"s, "\"%TEMP%\""},
+      {REG_DWORD, "\x0A\0\0\0"s, "0x0000000a (10)"},
+      {REG_DWORD, "\xFF\xFF\xFF\xFF\x01", "0xffffffff (4294967295)"},
+      {REG_DWORD, "\x0A\0\x01"s, "0a 00 01 "},
+      {REG_DWORD_BIG_ENDIAN, "\x12\x34\xAB\xCD", "0x1234abcd (305441741)"},
+      {REG_DWORD_BIG_ENDIAN, "\x12", "12 "},
+      {REG_QWORD, "\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", "0xffffffffffffffff (18446744073709551615)"},
+      {REG_QWORD, "\x0A\0\0\0\x01\0\0\0"s, "0x000000010000000a (4294967306)"},
+      {REG_QWORD, "\0\0\0\0\0\0\0\0"s, "0x0000000000000000 (0)"},
+      {REG_QWORD, "\x0A\0\0\0\x01\0\0"s, "0a 00 00 00 01 00 00 "},
+      {REG_BINARY, "\x01\xFF", "01 ff "},
+      {REG_NONE, "\0\x80"s, "00 80 "},
+      {REG_MULTI_SZ, "a\0b\0\0"s, "\"a\",\"b\""},
+      {REG_MULTI_SZ, "a\0b\0"s, "\"a\",\"b\""},
+      {REG_MULTI_SZ, "a\0bc"s, "\"a\",\"bc\""},
+      {REG_MULTI_SZ, "a", "\"a\""},
+      {REG_MULTI_SZ, "a\0\0b\0\0"s, "\"a\""},
+      {REG_MULTI_SZ, "\0b\0\0"s, ""},
+      {REG_MULTI_SZ, "a,\0\",\0\0"s, "\"a,\",\"\",\""},
+      {REG_LINK, "a\0"s, "61 00 "},
+      {REG_RESOURCE_LIST, "\x02", "02 "},
+      {0x12345678, "ab", "61 62 "},
+  };
+  for (const Row& row : rows) {
+    // On its own piece of memory, so that a look beyond the data is seen.
+    const std::vector<char> data(row.data.begin(), row.data.end());
+    EXPECT_EQ(FormatRegistryValue(row.type, data).c_str(), row.expected)
+        << row.type << " of " << data.size() << " bytes";
+    EXPECT_STREQ(FormatRegistryValue(row.type, {}).c_str(), "(value not set)") << row.type;
+  }
+}
+
+constexpr char kReport[] = "[REGISTRY KEYS]\r\n";
+
+TEST(RegistryKeys, EntriesAndTheirDumps) {
+  struct Row {
+    const char* entry;
+    std::string expected;
+    bool opened = true;
+  };
+  const std::string demo = "    (Default)=\"abc\"\r\n    Bin=01 ff \r\n\r\n";
+  const std::string sub = "        Count=0x0000000a (10)\r\n";
+  const std::string heading = "HKEY_CURRENT_USER\\Software\\Demo\r\n";
+  const std::string shallow = heading + "    \\Sub\r\n" + demo;
+  const std::string whole = heading + "    \\Sub\r\n" + sub + demo;
+  const std::string absent = "can not open the registry key.\r\n\r\n";
+  const Row rows[] = {
+      {"HKCU\\Software\\Demo,1", whole},
+      {"HKCU\\Software\\Demo,0x1", whole},
+      {"HKCU\\Software\\Demo,01", whole},
+      {"HKCU\\Software\\Demo,-1", whole},
+      {"HKCU\\Software\\Demo,2x", whole},
+      {"HKCU\\Software\\Demo", shallow},
+      {"HKCU\\Software\\Demo,", shallow},
+      {"HKCU\\Software\\Demo,0", shallow},
+      {"HKCU\\Software\\Demo, 1", shallow},
+      {"HKCU\\Software\\Demo,ware,1", whole},
+      {"hkcu\\SOFTWARE\\demo\\sub",
+       "HKEY_CURRENT_USER\\SOFTWARE\\demo\\sub\r\n    Count=0x0000000a (10)\r\n\r\n"},
+      {"HKCU", "HKEY_CURRENT_USER\r\n    \\Software\r\n\r\n"},
+      {"HKCU\\", "HKEY_CURRENT_USER\\\r\n    \\Software\r\n\r\n"},
+      {"HKCU\\Soft", "HKEY_CURRENT_USER\\Soft\r\n" + absent, false},
+      {"HKPD\\x", "HKEY_PERFORMANCE_DATA\\x\r\n" + absent, false},
+      {"HKEY_CURRENT_USER\\Software", "", false},
+      {"C:\\Software,1", "", false},
+  };
+
+  for (const Row& row : rows) {
+    test::ReportRun run;
+    host::Registry& registry = run.machine().registry;
+    registry.SetDword("HKCU\\Software\\Demo\\Sub", "Count", 10);
+    registry.SetText("HKCU\\Software\\Demo", "", "abc");
+    registry.SetValue("HKCU\\Software\\Demo", "Bin", REG_BINARY, "\x01\xFF");
+    run.Run(kReport + std::string(row.entry));
+    EXPECT_EQ(run.LastSection(), row.expected) << row.entry;
+    const auto word =
+        row.opened ? "Registry keys...         Ok" : "Registry keys...         Failed";
+    EXPECT_EQ(run.Progress(), std::vector<std::string>{word}) << row.entry;
+    run.Run(kReport + std::string(row.entry) + "\r\nHKLM\\none\r\nHKCU\\Software\\Demo\\Sub\r\n");
+    EXPECT_EQ(run.LastSection(), row.expected + "HKEY_LOCAL_MACHINE\\none\r\n" + absent +
+                                     "HKEY_CURRENT_USER\\Software\\Demo\\Sub\r\n" + sub.substr(4) +
+                                     "\r\n");
+  }
+}
+
+// Subkeys with all that lies below them come before a key's own values, each in its order.
+TEST(RegistryKeys, Order) {
+  test::ReportRun run;
+  host::Registry& registry = run.machine().registry;
+  registry.SetText("HKLM\\K", "y", "1");
+  registry.SetText("HKLM\\K", "x", "2");
+  registry.SetText("HKLM\\K\\B\\C", "deep", "3");
+  registry.SetText("HKLM\\K\\B", "b", "4");
+  registry.SetText("HKLM\\K\\A", "a", "5");
+  registry.DenyAccess("HKLM\\K\\Closed");
+  registry.SetText("HKLM\\K\\Closed", "never", "6");
+  run.Run(kReport + "HKLM\\K,1\r\n"s);
+  EXPECT_EQ(run.LastSection(),
+            "HKEY_LOCAL_MACHINE\\K\r\n"
+            "    \\A\r\n        a=\"5\"\r\n"
+            "    \\B\r\n        \\C\r\n            deep=\"3\"\r\n        b=\"4\"\r\n"
+            "    \\Closed\r\n"
+            "    y=\"1\"\r\n    x=\"2\"\r\n\r\n");
+}
+
+TEST(RegistryKeys, FailingAndChangingKeys) {
+  struct Row {
+    const char* what;
+    std::function<void(host::Machine&)> arrange;
+    std::string expected;  // below the heading
+  };
+  const std::string a = "    \\A\r\n", b = "    \\B\r\n", in_a = "        v=\"1\"\r\n";
+  const std::string x = "    x=\"1\"\r\n", y = "    y=\"2\"\r\n";
+  const auto at_first_own_value = [](host::Machine& machine, auto change) {
+    machine.faults.AtCall("RegEnumValueA", [&machine, change] {
+      // Two calls for A and one for B come before.
+      if (machine.faults.CallCount("RegEnumValueA") == 4) change(machine.registry);
+    });
+  };
+  const Row rows[] = {
+      {"the key says nothing",
+       [](host::Machine& m) { m.faults.FailNth("RegQueryInfoKeyA", 1, ERROR_ACCESS_DENIED); }, ""},
+      {"a subkey says nothing",
+       [](host::Machine& m) { m.faults.FailNth("RegQueryInfoKeyA", 2, ERROR_ACCESS_DENIED); },
+       a + b + x + y},
+      {"a subkey does not open",
+       [](host::Machine& m) { m.faults.FailNth("RegOpenKeyExA", 2, ERROR_ACCESS_DENIED); },
+       a + b + x + y},
+      {"the subkeys end early",
+       [](host::Machine& m) { m.faults.FailNth("RegEnumKeyExA", 3, ERROR_INVALID_FUNCTION); },
+       a + in_a + x + y},
+      {"the values end early",
+       [](host::Machine& m) { m.faults.FailNth("RegEnumValueA", 5, ERROR_INVALID_FUNCTION); },
+       a + in_a + b + x},
+      {"a value grows",
+       [=](host::Machine& m) {
+         at_first_own_value(m, [](auto& r) { r.SetText("HKLM\\K", "y", std::string(99, 'y')); });
+       },
+       a + in_a + b + x},
+      {"a value with a longer name comes",
+       [=](host::Machine& m) {
+         at_first_own_value(m, [](auto& r) { r.SetText("HKLM\\K", "longer", "3"); });
+       },
+       a + in_a + b + x + y},
+      {"a value goes",
+       [=](host::Machine& m) {
+         at_first_own_value(m, [](auto& r) { r.RemoveValue("HKLM\\K", "x"); });
+       },
+       a + in_a + b + y},
+      {"the key goes",
+       [=](host::Machine& m) { at_first_own_value(m, [](auto& r) { r.RemoveKey("HKLM\\K"); }); },
+       a + in_a + b},
+      {"no memory for the levels",
+       [](host::Machine& m) { m.faults.FailAlways("HeapReAlloc", ERROR_NOT_ENOUGH_MEMORY); },
+       a + in_a + b + x + y},
+  };
+  for (const Row& row : rows) {
+    test::ReportRun run;
+    host::Registry& registry = run.machine().registry;
+    registry.SetText("HKLM\\K", "x", "1");
+    registry.SetText("HKLM\\K", "y", "2");
+    registry.SetText("HKLM\\K\\A", "v", "1");
+    registry.MakeKey("HKLM\\K\\B");
+    const auto open_before = run.machine().handles.OpenObjects();
+    row.arrange(run.machine());
+    run.Run(kReport + "HKLM\\K,1\r\n"s);
+    EXPECT_EQ(run.LastSection(), "HKEY_LOCAL_MACHINE\\K\r\n" + row.expected + "\r\n") << row.what;
+    EXPECT_EQ(run.Progress(), std::vector<std::string>{"Registry keys...         Ok"});
+    DestroyLists(run.settings());
+    EXPECT_EQ(run.machine().handles.OpenObjects(), open_before) << row.what;
+  }
+}
+
+TEST(RegistryKeys, LongNamesAndDeepTrees) {
+  test::ReportRun run;
+  host::Registry& registry = run.machine().registry;
+  const std::string key_name(255, 'k'), value_name(16383, 'v'), text(70000, 't');
+  registry.SetText("HKLM\\K\\" + key_name, value_name, text);
+  constexpr int kDepth = 2000;
+  std::string path = "HKLM\\Deep";
+  std::string expected = "HKEY_LOCAL_MACHINE\\K\r\n    \\" + key_name + "\r\n        " +
+                         value_name + "=\"" + text + "\"\r\n\r\nHKEY_LOCAL_MACHINE\\Deep\r\n";
+  std::vector<std::string> values;
+  for (int level = 1; level <= kDepth; ++level) {
+    const std::string indent(4 * static_cast<std::size_t>(level), ' ');
+    registry.SetText(path, "v", std::to_string(level));
+    values.push_back(indent + "v=\"" + std::to_string(level) + "\"\r\n");
+    if (level < kDepth) expected += indent + "\\k\r\n";
+    path += "\\k";
+  }
+  for (auto value = values.rbegin(); value != values.rend(); ++value)
+    expected += *value;
+  run.Run(kReport + "HKLM\\K,1\r\nHKLM\\Deep,1\r\n"s);
+  EXPECT_TRUE(run.LastSection() == expected + "\r\n") << run.LastSection().substr(0, 999);
+}
+
+}  // namespace
+}  // namespace hostscope
