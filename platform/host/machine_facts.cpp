@@ -183,15 +183,26 @@ std::string ReadProcessorLeaf(Machine& machine, string_view key, string_view val
 }
 
 // Bytes, or megabytes where "MB" follows.
-template <std::uint64_t Memory::*field>
-std::string ReadBytes(Machine& machine, string_view, string_view value) {
+std::string ReadByteCount(string_view value, std::uint64_t& bytes) {
   const std::uint64_t unit = value.ends_with(" MB") ? 1024 * 1024 : 1;
   if (unit != 1) value.remove_suffix(3);
   const std::uint64_t most = std::numeric_limits<std::uint64_t>::max() / unit;
   const std::optional<std::uint64_t> number = Number(value, most);
   if (!number) return "the value is no number of bytes, and none of megabytes (\"256 MB\")";
-  machine.hardware.memory.*field = *number * unit;
+  bytes = *number * unit;
   return "";
+}
+
+template <std::uint64_t Memory::*field>
+std::string ReadMemorySize(Machine& machine, string_view, string_view value) {
+  return ReadByteCount(value, machine.hardware.memory.*field);
+}
+
+std::string ReadFileSize(Machine& machine, string_view key, string_view value) {
+  std::uint64_t size = 0;
+  std::string reason = ReadByteCount(value, size);
+  if (reason.empty()) machine.files.StateSize(key, size);
+  return reason;
 }
 
 std::string ReadPercent(string_view value, DWORD& percent) {
@@ -330,8 +341,8 @@ constexpr Fact kFacts[] = {
      Read<&Machine::hardware, &Hardware::processor, &Processor::counter_frequency>},
     {"Processor", "Real", ReadRealProcessor},
     {"ProcessorLeaves", "*", ReadProcessorLeaf},
-    {"Memory", "Total", ReadBytes<&Memory::total>},
-    {"Memory", "Available", ReadBytes<&Memory::available>},
+    {"Memory", "Total", ReadMemorySize<&Memory::total>},
+    {"Memory", "Available", ReadMemorySize<&Memory::available>},
     {"Memory", "Load", ReadMemoryLoad},
     {"SwapFile", "Path", ReadSwapFilePath},
     {"SwapFile", "Pages", ReadSwapFilePages},
@@ -341,6 +352,7 @@ constexpr Fact kFacts[] = {
     {"Screen", "Width", Read<&Machine::desktop, &Desktop::screen_size, &SIZE::cx>},
     {"Screen", "Height", Read<&Machine::desktop, &Desktop::screen_size, &SIZE::cy>},
     {"Screen", "BitsPerPixel", Read<&Machine::desktop, &Desktop::bits_per_pixel>},
+    {"FileSizes", "*", ReadFileSize},
     {"DeniedKeys", "*", ReadDeniedKey},
     {"Libraries", "*", ReadLibrary},
     {"Faults", "*", ReadFault},
