@@ -1,13 +1,11 @@
 #pragma once
 
 #include "platform/win32.h"
+#include "report/page_file_record.h"
 #include "util/library.h"
 #include "util/record_array.h"
 
 namespace hostscope {
-
-// Size of one element of the page-file list.
-inline constexpr std::size_t kPageFileRecordSize = 323;
 
 // Rows of the setup library's functions within its binding.
 enum class SetupFunction : std::size_t {
@@ -53,7 +51,7 @@ class ProbeContext {
 
   WindowsSocketsState sockets;
   ProcessListingState process_listing;
-  RecordArray page_files;
+  RecordArray page_files;  // of PageFileRecord
 
  private:
   bool is_nt_;

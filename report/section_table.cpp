@@ -1,7 +1,12 @@
 #include "report/section_table.h"
 
+#include "probes/system/bios.h"
 #include "probes/system/folders.h"
+#include "probes/system/free_resources.h"
 #include "probes/system/locale.h"
+#include "probes/system/memory.h"
+#include "probes/system/page_files.h"
+#include "probes/system/processor.h"
 #include "probes/system/user.h"
 #include "probes/system/windows_version.h"
 #include "probes/system/working_time.h"
@@ -51,6 +56,61 @@ constexpr Item kSystemItems[] = {
      .report_label = "Temp folder",
      .switches = kAnyOf<&Settings::temp_folder>,
      .collect_value = ReadTempFolder},
+    {.progress_label = "BIOS vesion...",
+     .report_label = "BIOS vesion",
+     .switches = kAnyOf<&Settings::bios_version>,
+     .collect_value = ReadBiosVersion},
+    {.progress_label = "Number of processors...",
+     .report_label = "Number of processors",
+     .switches = kAnyOf<&Settings::processors_count>,
+     .collect_value = FormatProcessorCount},
+    {.progress_label = "Processor name...",
+     .report_label = "Processor name",
+     .switches = kAnyOf<&Settings::processor_name>,
+     .collect_value = ReadProcessorName},
+    {.progress_label = "Processor speed...",
+     .report_label = "Processor speed",
+     .switches = kAnyOf<&Settings::processor_speed>,
+     .collect_value = FormatProcessorSpeed},
+    {.progress_label = "Coprocessor...",
+     .report_label = "Coprocessor",
+     .switches = kAnyOf<&Settings::coprocessor>,
+     .collect_value = FormatCoprocessor},
+    {.progress_label = "MMX support...",
+     .report_label = "MMX support",
+     .switches = kAnyOf<&Settings::mmx>,
+     .collect_value = FormatMMX},
+    {.progress_label = "3DNow support...",
+     .report_label = "3DNow support",
+     .switches = kAnyOf<&Settings::three_d_now>,
+     .collect_value = Format3DNow},
+    {.progress_label = "Extended 3DNow...",
+     .report_label = "Extended 3DNow",
+     .switches = kAnyOf<&Settings::extended_three_d_now>,
+     .collect_value = FormatExtended3DNow},
+    {.progress_label = "SSE support...",
+     .report_label = "SSE support",
+     .switches = kAnyOf<&Settings::sse>,
+     .collect_value = FormatSSE},
+    {.progress_label = "SSE2 support...",
+     .report_label = "SSE2 support",
+     .switches = kAnyOf<&Settings::sse2>,
+     .collect_value = FormatSSE2},
+    {.progress_label = "Memory usage...",
+     .report_label = "Memory usage",
+     .switches = kAnyOf<&Settings::memory_usage>,
+     .collect_value = FormatMemoryUsage},
+    {.progress_label = "Physical memory...",
+     .report_label = "Physical memory",
+     .switches = kAnyOf<&Settings::physical_memory>,
+     .collect_value = FormatPhysicalMemory},
+    {.progress_label = "Pagefile space...",
+     .switches = kAnyOf<&Settings::page_files>,
+     .write_lines = WritePageFiles},
+    {.progress_label = "Free resources...",
+     .switches = kAnyOf<&Settings::free_system_resources, &Settings::free_gdi_resources,
+                        &Settings::free_user_resources>,
+     .write_lines = WriteFreeResources},
 };
 
 constexpr Item kNetworkItems[] = {

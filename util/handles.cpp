@@ -12,4 +12,9 @@ FileHandle FileHandle::CreateForWriting(const char* path) {
                                 FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
 }
 
+FileHandle FileHandle::OpenDevice(const char* name, DWORD access, DWORD flags) {
+  return FileHandle(CreateFileA(name, access, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                OPEN_EXISTING, flags, nullptr));
+}
+
 }  // namespace hostscope

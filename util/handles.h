@@ -50,6 +50,8 @@ class FileHandle : public KernelHandle {
   static FileHandle OpenForReading(const char* path);
   // A new or truncated file for writing in one go from front to back, others may read it.
   static FileHandle CreateForWriting(const char* path);
+  // A device that is there, with the access and flags given; others may read and write it too.
+  static FileHandle OpenDevice(const char* name, DWORD access, DWORD flags = 0);
 
  private:
   explicit FileHandle(HANDLE handle)

@@ -216,6 +216,26 @@ void FileSystem::MountDrive(char letter, fs::path folder) {
   drives_[UpperCase(letter)] = std::move(folder);
 }
 
+void FileSystem::StateSize(std::string_view path, std::uint64_t size) {
+  stated_sizes_.insert_or_assign(std::string(path), size);
+}
+
+std::optional<std::uint64_t> FileSystem::StatedSize(const fs::path& on_disk) const {
+  for (const auto& [path, size] : stated_sizes_) {
+    Place place;
+    if (Locate(path, place) == ERROR_SUCCESS && place.path == on_disk) return size;
+  }
+  return std::nullopt;
+}
+
+std::string FileSystem::MissingSizedFile() const {
+  for (const auto& [path, size] : stated_sizes_) {
+    Place place;
+    if (Locate(path, place) != ERROR_SUCCESS || !place.exists || place.folder) return path;
+  }
+  return "";
+}
+
 std::optional<fs::path> FileSystem::DriveFolder(char letter) const {
   const std::lock_guard lock(mutex_);
   const auto found = drives_.find(UpperCase(letter));

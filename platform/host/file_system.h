@@ -100,6 +100,14 @@ class FileSystem {
   // Everything in a file, shared with every other use of it; 0 or the error.
   DWORD ReadWhole(std::string_view path, std::string& content) const;
 
+  // From now on a search that finds the file tells this size in place of its own: a large file of
+  // the machine may be a small one on disk.
+  void StateSize(std::string_view path, std::uint64_t size);
+  // The size stated for what lies there on disk, or none.
+  std::optional<std::uint64_t> StatedSize(const std::filesystem::path& on_disk) const;
+  // The path of a file that has a stated size and is not there; empty: there is none.
+  std::string MissingSizedFile() const;
+
   // The name, as the program sees it, of what the path on disk ends in.
   static std::string NameOf(const std::filesystem::path& path);
   // What is in a folder, sorted by name without regard to case; 0 or the error.
@@ -114,6 +122,7 @@ class FileSystem {
  private:
   mutable std::mutex mutex_;  // guards the drives and the current folder
   std::map<char, std::filesystem::path> drives_;
+  std::map<std::string, std::uint64_t, std::less<>> stated_sizes_;  // by path
   std::string current_folder_ = "C:\\";
   std::shared_ptr<FileClaims> claims_;
 };

@@ -21,6 +21,7 @@ inline constexpr DWORD FILE_ATTRIBUTE_SYSTEM = 0x4;
 inline constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
 inline constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;
 inline constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
+inline constexpr DWORD FILE_FLAG_DELETE_ON_CLOSE = 0x04000000;
 inline constexpr DWORD FILE_FLAG_SEQUENTIAL_SCAN = 0x08000000;
 inline constexpr DWORD INVALID_FILE_SIZE = 0xFFFFFFFF;
 inline constexpr DWORD INVALID_SET_FILE_POINTER = 0xFFFFFFFF;
@@ -31,6 +32,10 @@ inline constexpr DWORD FILE_END = 2;
 #define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(static_cast<LONG_PTR>(-1)))
 
 inline constexpr DWORD HEAP_ZERO_MEMORY = 8;
+inline constexpr DWORD MEM_COMMIT = 0x1000;
+inline constexpr DWORD MEM_RESERVE = 0x2000;
+inline constexpr DWORD MEM_RELEASE = 0x8000;
+inline constexpr DWORD PAGE_READWRITE = 4;
 
 inline constexpr DWORD INFINITE = 0xFFFFFFFF;
 inline constexpr DWORD WAIT_OBJECT_0 = 0;
@@ -131,6 +136,47 @@ struct OSVERSIONINFOEXA {
 using LPOSVERSIONINFOEXA = OSVERSIONINFOEXA*;
 static_assert(sizeof(OSVERSIONINFOA) == 148 && sizeof(OSVERSIONINFOEXA) == 156);
 
+struct SYSTEM_INFO {
+  WORD wProcessorArchitecture;
+  WORD wReserved;
+  DWORD dwPageSize;
+  LPVOID lpMinimumApplicationAddress;
+  LPVOID lpMaximumApplicationAddress;
+  DWORD_PTR dwActiveProcessorMask;
+  DWORD dwNumberOfProcessors;
+  DWORD dwProcessorType;
+  DWORD dwAllocationGranularity;
+  WORD wProcessorLevel;
+  WORD wProcessorRevision;
+};
+using LPSYSTEM_INFO = SYSTEM_INFO*;
+
+struct MEMORYSTATUS {
+  DWORD dwLength;
+  DWORD dwMemoryLoad;
+  DWORD dwTotalPhys;
+  DWORD dwAvailPhys;
+  DWORD dwTotalPageFile;
+  DWORD dwAvailPageFile;
+  DWORD dwTotalVirtual;
+  DWORD dwAvailVirtual;
+};
+using LPMEMORYSTATUS = MEMORYSTATUS*;
+
+struct MEMORYSTATUSEX {
+  DWORD dwLength;
+  DWORD dwMemoryLoad;
+  std::uint64_t ullTotalPhys;
+  std::uint64_t ullAvailPhys;
+  std::uint64_t ullTotalPageFile;
+  std::uint64_t ullAvailPageFile;
+  std::uint64_t ullTotalVirtual;
+  std::uint64_t ullAvailVirtual;
+  std::uint64_t ullAvailExtendedVirtual;
+};
+using LPMEMORYSTATUSEX = MEMORYSTATUSEX*;
+static_assert(sizeof(MEMORYSTATUS) == 32 && sizeof(MEMORYSTATUSEX) == 64);
+
 using LPTHREAD_START_ROUTINE = DWORD(WINAPI*)(LPVOID);
 
 // ---- files: kernel32_files.cpp, kernel32_find.cpp ----
@@ -152,6 +198,11 @@ DWORD WINAPI GetFullPathNameA(LPCSTR path, DWORD size, LPSTR buffer, LPSTR* name
 HANDLE WINAPI FindFirstFileA(LPCSTR pattern, LPWIN32_FIND_DATAA data);
 BOOL WINAPI FindNextFileA(HANDLE search, LPWIN32_FIND_DATAA data);
 BOOL WINAPI FindClose(HANDLE search);
+
+// ---- devices: kernel32_devices.cpp ----
+
+BOOL WINAPI DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_size, LPVOID out,
+                            DWORD out_size, LPDWORD returned, LPOVERLAPPED overlapped);
 
 // ---- private profiles: kernel32_profile.cpp ----
 
@@ -184,6 +235,13 @@ DWORD WINAPI ExpandEnvironmentStringsA(LPCSTR text, LPSTR buffer, DWORD size);
 // Changes nothing but what the next call answers: nothing here shows boxes of its own.
 UINT WINAPI SetErrorMode(UINT mode);
 
+// ---- processors and memory: kernel32_hardware.cpp ----
+
+void WINAPI GetSystemInfo(LPSYSTEM_INFO info);
+void WINAPI GlobalMemoryStatus(LPMEMORYSTATUS status);
+// Of NT from Windows 2000 on.
+BOOL WINAPI GlobalMemoryStatusEx(LPMEMORYSTATUSEX status);
+
 // ---- texts: kernel32_text.cpp ----
 
 int WINAPI lstrlenA(LPCSTR text);
@@ -200,6 +258,9 @@ LPVOID WINAPI HeapAlloc(HANDLE heap, DWORD flags, SIZE_T size);
 LPVOID WINAPI HeapReAlloc(HANDLE heap, DWORD flags, LPVOID block, SIZE_T size);
 BOOL WINAPI HeapFree(HANDLE heap, DWORD flags, LPVOID block);
 SIZE_T WINAPI HeapSize(HANDLE heap, DWORD flags, LPCVOID block);
+// As in a 32-bit process, every address fits in 32 bits. Whole blocks only.
+LPVOID WINAPI VirtualAlloc(LPVOID address, SIZE_T size, DWORD kind, DWORD protection);
+BOOL WINAPI VirtualFree(LPVOID address, SIZE_T size, DWORD kind);
 
 // ---- threads: kernel32_threads.cpp ----
 

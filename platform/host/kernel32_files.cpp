@@ -8,6 +8,7 @@
 #include <memory>
 #include <string_view>
 
+#include "platform/host/devices.h"
 #include "platform/host/file_attributes.h"
 #include "platform/host/kernel32.h"
 #include "platform/host/machine.h"
@@ -36,8 +37,21 @@ bool IsPseudoHandle(HANDLE handle) {
 
 // Handles of other functions have their own ways of closing.
 bool IsClosedByCloseHandle(const Object& object) {
-  constexpr std::array<std::string_view, 3> kKinds = {"file", "thread", "token"};
+  constexpr std::array<std::string_view, 4> kKinds = {"device", "file", "thread", "token"};
   return std::find(kKinds.begin(), kKinds.end(), object.kind()) != kKinds.end();
+}
+
+// Each knows its own names.
+constexpr OpenDeviceFunction kDevices[] = {OpenVwin32};
+
+HANDLE OpenDevice(Machine& machine, std::string_view name) {
+  for (const OpenDeviceFunction open : kDevices) {
+    if (auto device = open(machine, name)) {
+      return reinterpret_cast<HANDLE>(machine.handles.Open(std::move(device)));
+    }
+  }
+  SetLastError(ERROR_FILE_NOT_FOUND);
+  return INVALID_HANDLE_VALUE;
 }
 
 int OriginOf(DWORD method) {
@@ -67,10 +81,14 @@ HANDLE WINAPI CreateFileA(LPCSTR name, DWORD access, DWORD share, LPSECURITY_ATT
                     .share_read = (share & FILE_SHARE_READ) != 0,
                     .share_write = (share & FILE_SHARE_WRITE) != 0};
   Machine& machine = CurrentMachine();
+  const std::string_view path = name == nullptr ? "" : name;
+  if (path.starts_with(kDevicePrefix)) {
+    return OpenDevice(machine, path.substr(kDevicePrefix.size()));
+  }
   std::shared_ptr<OpenFile> file;
   bool existed = false;
-  const DWORD error = machine.files.Open(name == nullptr ? "" : name, use,
-                                         static_cast<Disposition>(disposition), file, &existed);
+  const DWORD error =
+      machine.files.Open(path, use, static_cast<Disposition>(disposition), file, &existed);
   if (error != ERROR_SUCCESS) {
     SetLastError(error);
     return INVALID_HANDLE_VALUE;

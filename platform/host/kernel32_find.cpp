@@ -105,6 +105,7 @@ class Search : public Object {
     for (; next_ < entries_.size(); ++next_) {
       FileFacts facts;
       if (ReadFileFacts(entries_[next_].path, facts) != ERROR_SUCCESS) continue;
+      facts.size = CurrentMachine().files.StatedSize(entries_[next_].path).value_or(facts.size);
       Fill(entries_[next_++].name, facts, data);
       return ERROR_SUCCESS;
     }

@@ -25,6 +25,7 @@ const LayerLibrary kKernel32({.name = "KERNEL32.DLL",
                               .exports = {EXPORT(CloseHandle),
                                           EXPORT(CreateFileA),
                                           EXPORT(CreateThread),
+                                          EXPORT(DeviceIoControl),
                                           EXPORT(ExitProcess),
                                           EXPORT(ExpandEnvironmentStringsA),
                                           EXPORT(FindClose),
@@ -54,10 +55,13 @@ const LayerLibrary kKernel32({.name = "KERNEL32.DLL",
                                           EXPORT(GetProcessHeap),
                                           EXPORT(GetProfileIntA),
                                           EXPORT(GetSystemDirectoryA),
+                                          EXPORT(GetSystemInfo),
                                           EXPORT(GetTempPathA),
                                           EXPORT(GetTickCount),
                                           EXPORT(GetVersionExA),
                                           EXPORT(GetWindowsDirectoryA),
+                                          EXPORT(GlobalMemoryStatus),
+                                          EXPORT(GlobalMemoryStatusEx),
                                           EXPORT(HeapAlloc),
                                           EXPORT(HeapFree),
                                           EXPORT(HeapReAlloc),
@@ -70,6 +74,8 @@ const LayerLibrary kKernel32({.name = "KERNEL32.DLL",
                                           EXPORT(SetFilePointer),
                                           EXPORT(SetLastError),
                                           EXPORT(Sleep),
+                                          EXPORT(VirtualAlloc),
+                                          EXPORT(VirtualFree),
                                           EXPORT(WaitForSingleObject),
                                           EXPORT(WriteFile),
                                           EXPORT(lstrcatA),
@@ -79,6 +85,20 @@ const LayerLibrary kKernel32({.name = "KERNEL32.DLL",
                                           EXPORT(lstrcpynA),
                                           EXPORT(lstrlenA)}});
 #undef EXPORT
+
+// Functions of KERNEL32 that older releases of NT, and Windows 95/98/Me, do not have.
+struct YoungFunction {
+  std::string_view name;
+  DWORD nt_major;
+};
+constexpr YoungFunction kYoungFunctions[] = {{"GlobalMemoryStatusEx", 5}};
+
+bool IsTooYoung(const Machine& machine, std::string_view name) {
+  for (const YoungFunction& young : kYoungFunctions) {
+    if (name == young.name) return !machine.IsNt() || machine.version.major < young.nt_major;
+  }
+  return false;
+}
 
 bool IsOrdinal(LPCSTR name) {
   return reinterpret_cast<ULONG_PTR>(name) <= 0xFFFF;
@@ -110,14 +130,18 @@ HMODULE WINAPI GetModuleHandleA(LPCSTR name) {
 
 FARPROC WINAPI GetProcAddress(HMODULE module, LPCSTR name) {
   if (CallFails("GetProcAddress")) return nullptr;
-  const Libraries& libraries = CurrentMachine().libraries;
+  const Machine& machine = CurrentMachine();
+  const Libraries& libraries = machine.libraries;
   if (module != ProgramModule() && !libraries.IsLoaded(module)) {
     SetLastError(ERROR_MOD_NOT_FOUND);
     return nullptr;
   }
-  const FARPROC function =
-      IsOrdinal(name) ? libraries.Function(module, LOWORD(reinterpret_cast<ULONG_PTR>(name)))
-                      : libraries.Function(module, std::string_view(name));
+  FARPROC function = nullptr;
+  if (IsOrdinal(name)) {
+    function = libraries.Function(module, LOWORD(reinterpret_cast<ULONG_PTR>(name)));
+  } else if (!IsTooYoung(machine, name)) {
+    function = libraries.Function(module, std::string_view(name));
+  }
   if (function == nullptr) SetLastError(ERROR_PROC_NOT_FOUND);
   return function;
 }

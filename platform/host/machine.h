@@ -15,6 +15,7 @@
 #include "platform/host/faults.h"
 #include "platform/host/file_system.h"
 #include "platform/host/handles.h"
+#include "platform/host/hardware.h"
 #include "platform/host/libraries.h"
 #include "platform/host/mail.h"
 #include "platform/host/plug_ins.h"
@@ -93,6 +94,7 @@ struct Machine {
   std::string command_line;  // GetCommandLineA
   std::string module_path;   // GetModuleFileNameA of the program itself
 
+  Hardware hardware;
   Registry registry;
   FileSystem files;
   Libraries libraries;

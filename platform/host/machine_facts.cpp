@@ -1,6 +1,7 @@
 #include "platform/host/machine_facts.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <chrono>
 #include <limits>
@@ -20,13 +21,14 @@ using std::string_view;
 // Readers of one value. Each answers what is wrong with it, or an empty text.
 
 // Decimal, or hexadecimal after "0x". Anything else, or a number above the limit, is absent.
-std::optional<DWORD> Number(string_view text, DWORD most = std::numeric_limits<DWORD>::max()) {
+std::optional<std::uint64_t> Number(string_view text,
+                                    std::uint64_t most = std::numeric_limits<DWORD>::max()) {
   int base = 10;
   if (text.starts_with("0x") || text.starts_with("0X")) {
     base = 16;
     text.remove_prefix(2);
   }
-  DWORD number = 0;
+  std::uint64_t number = 0;
   const char* const end = text.data() + text.size();
   const auto [rest, error] = std::from_chars(text.data(), end, number, base);
   if (error != std::errc() || rest != end || number > most) return std::nullopt;
@@ -35,9 +37,8 @@ std::optional<DWORD> Number(string_view text, DWORD most = std::numeric_limits<D
 
 template <typename Field>
 requires std::is_integral_v<Field> std::string ReadValue(string_view value, Field& field) {
-  const DWORD most =
-      static_cast<DWORD>(std::min<std::uint64_t>(std::numeric_limits<Field>::max(), 0xFFFFFFFF));
-  const std::optional<DWORD> number = Number(value, most);
+  const std::uint64_t most = std::numeric_limits<Field>::max();
+  const std::optional<std::uint64_t> number = Number(value, most);
   if (!number) return "the value is no number from 0 to " + std::to_string(most);
   field = static_cast<Field>(*number);
   return "";
@@ -67,7 +68,7 @@ std::optional<WORD> TakeTimePart(string_view& text, char stop) {
   const string_view digits = text.substr(0, end);
   const bool is_digits =
       std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; });
-  const std::optional<DWORD> number = is_digits ? Number(digits, 0xFFFF) : std::nullopt;
+  const std::optional<std::uint64_t> number = is_digits ? Number(digits, 0xFFFF) : std::nullopt;
   text.remove_prefix(std::min(end + 1, text.size()));
   if (!number) return std::nullopt;
   return static_cast<WORD>(*number);
@@ -124,7 +125,7 @@ std::string ReadSid(Machine& machine, string_view, string_view value) {
 }
 
 std::string ReadSpecialFolder(Machine& machine, string_view key, string_view value) {
-  const std::optional<DWORD> number = Number(key, 0xFFFF);
+  const std::optional<std::uint64_t> number = Number(key, 0xFFFF);
   if (!number) return "the key is no number of a special folder";
   const bool is_new =
       machine.special_folders.emplace(static_cast<int>(*number), std::string(value)).second;
@@ -146,6 +147,102 @@ string_view TakeItem(string_view& text, char separator) {
 std::string ReadEnvironment(Machine& machine, string_view key, string_view value) {
   const bool is_new = machine.environment.emplace(key, value).second;
   return is_new ? "" : "the variable stands twice";
+}
+
+std::string ReadProcessorAge(Machine& machine, string_view, string_view value) {
+  using hostscope::ProcessorAge;
+  constexpr std::pair<string_view, ProcessorAge> kAges[] = {
+      {"80386", ProcessorAge::k80386},
+      {"80486", ProcessorAge::k80486},
+      {"identifiable", ProcessorAge::kIdentifiable}};
+  for (const auto& [name, age] : kAges) {
+    if (value != name) continue;
+    machine.hardware.processor.age = age;
+    return "";
+  }
+  return "the value is neither \"80386\" nor \"80486\" nor \"identifiable\"";
+}
+
+std::string ReadRealProcessor(Machine& machine, string_view, string_view value) {
+  bool& real = machine.hardware.processor.real;
+  if (std::string reason = ReadValue(value, real); !reason.empty()) return reason;
+  return real && !HasRealProcessor() ? "this computer's processor is no x86" : "";
+}
+
+std::string ReadProcessorLeaf(Machine& machine, string_view key, string_view value) {
+  const std::optional<std::uint64_t> leaf = Number(key);
+  if (!leaf) return "the key is no number of a leaf";
+  std::array<DWORD, 4> registers;
+  for (DWORD& one : registers) {
+    const std::optional<std::uint64_t> number = Number(TakeItem(value, ' '));
+    if (!number) return "the value is not the four numbers of EAX, EBX, ECX and EDX";
+    one = static_cast<DWORD>(*number);
+  }
+  if (!value.empty()) return "the value has more than four numbers";
+  const auto [eax, ebx, ecx, edx] = registers;
+  const bool is_new =
+      machine.hardware.processor.leaves
+          .emplace(static_cast<DWORD>(*leaf), hostscope::ProcessorLeaf{eax, ebx, ecx, edx})
+          .second;
+  return is_new ? "" : "the leaf's number stands twice";
+}
+
+// Bytes, or megabytes where "MB" follows.
+std::string ReadByteCount(string_view value, std::uint64_t& bytes) {
+  const std::uint64_t unit = value.ends_with(" MB") ? 1024 * 1024 : 1;
+  if (unit != 1) value.remove_suffix(3);
+  const std::uint64_t most = std::numeric_limits<std::uint64_t>::max() / unit;
+  const std::optional<std::uint64_t> number = Number(value, most);
+  if (!number) return "the value is no number of bytes, and none of megabytes (\"256 MB\")";
+  bytes = *number * unit;
+  return "";
+}
+
+template <std::uint64_t Memory::*field>
+std::string ReadMemorySize(Machine& machine, string_view, string_view value) {
+  return ReadByteCount(value, machine.hardware.memory.*field);
+}
+
+std::string ReadFileSize(Machine& machine, string_view key, string_view value) {
+  std::uint64_t size = 0;
+  std::string reason = ReadByteCount(value, size);
+  if (reason.empty()) machine.files.StateSize(key, size);
+  return reason;
+}
+
+std::string ReadPercent(string_view value, DWORD& percent) {
+  const std::optional<std::uint64_t> number = Number(value, 100);
+  if (!number) return "the value is no number from 0 to 100";
+  percent = static_cast<DWORD>(*number);
+  return "";
+}
+
+std::string ReadMemoryLoad(Machine& machine, string_view, string_view value) {
+  return ReadPercent(value, machine.hardware.memory.load.emplace());
+}
+
+SwapFile& StatedSwapFile(Machine& machine) {
+  std::optional<SwapFile>& swap_file = machine.hardware.swap_file;
+  return swap_file ? *swap_file : swap_file.emplace();
+}
+
+std::string ReadSwapFilePath(Machine& machine, string_view, string_view value) {
+  // What the program makes room for.
+  if (value.size() >= MAX_PATH) return "the path is longer than 259 characters";
+  StatedSwapFile(machine).path = value;
+  return "";
+}
+
+std::string ReadSwapFilePages(Machine& machine, string_view, string_view value) {
+  return ReadValue(value, StatedSwapFile(machine).pages);
+}
+
+template <unsigned kind>
+std::string ReadFreeResources(Machine& machine, string_view, string_view value) {
+  DWORD percent = 0;
+  std::string reason = ReadPercent(value, percent);
+  if (reason.empty()) StateFreeResources(machine, kind, percent);
+  return reason;
 }
 
 std::string ReadLibrary(Machine& machine, string_view key, string_view value) {
@@ -224,7 +321,7 @@ std::string ReadDeniedKey(Machine& machine, string_view key, string_view value) 
   if (!hive) return "the key is no path that begins with a hive";
   // Which key that is may be stated further down.
   if (hive == Hive::kCurrentUser) return "a key of the user is stated below HKU";
-  const DWORD error = Number(value).value_or(0);
+  const auto error = static_cast<DWORD>(Number(value).value_or(0));
   if (error == 0) return "the value is no error code";
   machine.registry.DenyAccess(key, error);
   return "";
@@ -240,12 +337,12 @@ std::optional<Fault> ParseFault(string_view text) {
   Fault fault;
   const string_view when = TakeItem(text, ' ');
   if (when == "call") {
-    fault.call = Number(TakeItem(text, ' ')).value_or(0);
+    fault.call = static_cast<DWORD>(Number(TakeItem(text, ' ')).value_or(0));
     if (fault.call == 0) return std::nullopt;
   } else if (when != "always") {
     return std::nullopt;
   }
-  fault.error = Number(TakeItem(text, ' ')).value_or(0);
+  fault.error = static_cast<DWORD>(Number(TakeItem(text, ' ')).value_or(0));
   if (fault.error == 0 || !text.empty()) return std::nullopt;
   return fault;
 }
@@ -295,9 +392,24 @@ constexpr Fact kFacts[] = {
     {"Folders", "Temp", Read<&Machine::temp_folder>},
     {"SpecialFolders", "*", ReadSpecialFolder},
     {"Environment", "*", ReadEnvironment},
+    {"Processor", "Count", Read<&Machine::hardware, &Hardware::processor, &Processor::count>},
+    {"Processor", "Age", ReadProcessorAge},
+    {"Processor", "CounterFrequency",
+     Read<&Machine::hardware, &Hardware::processor, &Processor::counter_frequency>},
+    {"Processor", "Real", ReadRealProcessor},
+    {"ProcessorLeaves", "*", ReadProcessorLeaf},
+    {"Memory", "Total", ReadMemorySize<&Memory::total>},
+    {"Memory", "Available", ReadMemorySize<&Memory::available>},
+    {"Memory", "Load", ReadMemoryLoad},
+    {"SwapFile", "Path", ReadSwapFilePath},
+    {"SwapFile", "Pages", ReadSwapFilePages},
+    {"FreeResources", "System", ReadFreeResources<0>},
+    {"FreeResources", "GDI", ReadFreeResources<1>},
+    {"FreeResources", "User", ReadFreeResources<2>},
     {"Screen", "Width", Read<&Machine::desktop, &Desktop::screen_size, &SIZE::cx>},
     {"Screen", "Height", Read<&Machine::desktop, &Desktop::screen_size, &SIZE::cy>},
     {"Screen", "BitsPerPixel", Read<&Machine::desktop, &Desktop::bits_per_pixel>},
+    {"FileSizes", "*", ReadFileSize},
     {"DeniedKeys", "*", ReadDeniedKey},
     {"Libraries", "*", ReadLibrary},
     {"PlugIns", "*", ReadPlugIn},
@@ -359,6 +471,12 @@ std::optional<LoadError> StateMachineFacts(const std::vector<IniSection>& sectio
       const std::string place = "[" + std::string(fact.section) + "] " + std::string(fact.key);
       return LoadError{"", 0, place + " is missing"};
     }
+  }
+  const Processor& processor = machine.hardware.processor;
+  const bool described = processor.age != hostscope::ProcessorAge::kIdentifiable ||
+                         !processor.leaves.empty() || processor.counter_frequency != 0;
+  if (processor.real && described) {
+    return LoadError{"", 0, "[Processor] Real: the processor is described as well"};
   }
   const User& user = machine.user;
   machine.registry.SetCurrentUser(user.registry_key ? *user.registry_key

@@ -91,6 +91,9 @@ std::optional<LoadError> LoadMachine(const fs::path& folder, Machine& machine) {
     }
     if (error) return error;
   }
+  if (const std::string path = machine.files.MissingSizedFile(); !path.empty()) {
+    return LoadError{"machine.ini", 0, "[FileSizes] " + Utf8FromCodePage(path) + ": no such file"};
+  }
   return std::nullopt;
 }
 

@@ -10,3 +10,4 @@
 #include "platform/host/shell32.h"
 #include "platform/host/user32.h"
 #include "platform/host/windows_types.h"
+#include "platform/host/winmm.h"

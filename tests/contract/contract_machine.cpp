@@ -245,6 +245,7 @@ void Describe(host::Machine& machine) {
   machine.temp_folder = "C:\\TEMP\\";
   machine.special_folders = {{CSIDL_PERSONAL, "C:\\Documents"},
                              {CSIDL_DESKTOPDIRECTORY, "C:\\Desktop"}};
+  machine.hardware.memory = {6ULL << 30, 5ULL << 30, std::nullopt};
   machine.module_path = "C:\\Program Files\\contract_tests.exe";
   machine.command_line = "\"" + machine.module_path + "\"";
   host::Library spare;

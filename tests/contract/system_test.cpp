@@ -2,6 +2,7 @@
 // values are the machine's own; what is held here is how the calls hand them over.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <string>
@@ -43,6 +44,81 @@ TEST_F(SystemContract, TickCountNeverFalls) {
     ASSERT_LT(now - last, 0x80000000u);
     last = now;
   }
+}
+
+TEST_F(SystemContract, MultimediaTimerMoves) {
+  const HMODULE library = LoadLibraryA("WINMM.DLL");
+  ASSERT_NE(nullptr, library);
+  const auto time = reinterpret_cast<DWORD(WINAPI*)()>(
+      reinterpret_cast<void (*)()>(GetProcAddress(library, "timeGetTime")));
+  ASSERT_NE(nullptr, time);
+  DWORD last = time();
+  for (int steps = 0; steps < 20;) {
+    const DWORD now = time();
+    ASSERT_LT(now - last, 1000u);
+    if (now != last) ++steps;
+    last = now;
+  }
+  FreeLibrary(library);
+}
+
+// ---- processors and memory ----
+
+TEST_F(SystemContract, Processors) {
+  SYSTEM_INFO info;
+  std::memset(&info, 0xAA, sizeof info);
+  GetSystemInfo(&info);
+  EXPECT_GE(info.dwNumberOfProcessors, 1u);
+  EXPECT_LE(info.dwNumberOfProcessors, 32u);
+  ExpectAnswer("pages", 4096, info.dwPageSize);
+}
+
+// The older record holds what fits; the program takes no addresses above 2 GB.
+TEST_F(SystemContract, MemoryStatus) {
+  const auto wide = reinterpret_cast<BOOL(WINAPI*)(LPMEMORYSTATUSEX)>(reinterpret_cast<void (*)()>(
+      GetProcAddress(GetModuleHandleA("kernel32"), "GlobalMemoryStatusEx")));
+  ASSERT_NE(nullptr, wide);
+  MEMORYSTATUSEX whole;
+  for (const DWORD size : {0, 32, 63, 65}) {
+    whole.dwLength = size;
+    ExpectAnswer("record of " + std::to_string(size), "87", Outcome(wide(&whole)));
+  }
+  whole.dwLength = sizeof whole;
+  ASSERT_TRUE(wide(&whole));
+  EXPECT_GT(whole.ullTotalPhys, whole.ullAvailPhys);
+  EXPECT_LE(whole.dwMemoryLoad, 100u);
+  for (const DWORD size : {32, 0}) {
+    MEMORYSTATUS record;
+    std::memset(&record, 0xAA, sizeof record);
+    record.dwLength = size;
+    GlobalMemoryStatus(&record);
+    ExpectAnswer("length", 32, record.dwLength);
+    ExpectAnswer("total", std::min(whole.ullTotalPhys, decltype(whole.ullTotalPhys){0x7FFFFFFF}),
+                 record.dwTotalPhys);
+    EXPECT_LE(record.dwAvailPhys, record.dwTotalPhys);
+    EXPECT_LE(record.dwMemoryLoad, 100u);
+  }
+}
+
+TEST_F(SystemContract, Pages) {
+  auto* const pages =
+      static_cast<char*>(VirtualAlloc(nullptr, 300, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE));
+  ASSERT_NE(nullptr, pages);
+  ExpectAnswer("fits in 32 bits", true, reinterpret_cast<ULONG_PTR>(pages) >> 31 >> 1 == 0);
+  ExpectAnswer("a whole page of zeros", std::string(4096, '\0'), std::string(pages, 4096));
+  std::memset(pages, 1, 4096);
+  ExpectAnswer("a size to free", "87", Outcome(VirtualFree(pages, 300, MEM_RELEASE)));
+  ExpectAnswer("free", "yes", Outcome(VirtualFree(pages, 0, MEM_RELEASE)));
+  ExpectAnswer("nothing", true,
+               VirtualAlloc(nullptr, 0, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE) == nullptr);
+  ExpectAnswer("its error", ERROR_INVALID_PARAMETER, GetLastError());
+}
+
+TEST_F(SystemContract, DevicesThatAreNotThere) {
+  ExpectAnswer("open", true,
+               CreateFileA("\\\\.\\NoSuchDevice", GENERIC_READ, 3, nullptr, OPEN_EXISTING, 0,
+                           nullptr) == INVALID_HANDLE_VALUE);
+  ExpectAnswer("its error", ERROR_FILE_NOT_FOUND, GetLastError());
 }
 
 // ---- names and folders ----

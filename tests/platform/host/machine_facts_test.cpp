@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <fstream>
 #include <functional>
 #include <set>
@@ -62,6 +63,21 @@ Temp=C:\WINDOWS\TEMP\
 0x10=C:\WINDOWS\Desktop
 [Environment]
 ProgramFiles=C:\Programme
+[Processor]
+Count=2
+Age=80486
+CounterFrequency=18446744073709551615
+[ProcessorLeaves]
+0x80000001=1 0x2  3 0xFFFFFFFF
+[Memory]
+Total=4096 MB
+Available=4294967297
+Load=42
+[SwapFile]
+Path=C:\WIN386.SWP
+Pages=4294967296
+[FreeResources]
+GDI=78
 [Screen]
 Width=640
 Height=480
@@ -99,6 +115,20 @@ BitsPerPixel=4
   EXPECT_EQ(machine.special_folders,
             (std::map<int, std::string>{{5, "C:\\Eigene Dateien"}, {16, "C:\\WINDOWS\\Desktop"}}));
   EXPECT_EQ(machine.environment["PROGRAMFILES"], "C:\\Programme");
+  const Hardware& hardware = machine.hardware;
+  EXPECT_EQ(hardware.processor.count, 2u);
+  EXPECT_EQ(hardware.processor.age, hostscope::ProcessorAge::k80486);
+  EXPECT_EQ(hardware.processor.counter_frequency, 0xFFFFFFFFFFFFFFFF);
+  const hostscope::ProcessorLeaf& leaf = hardware.processor.leaves.at(0x80000001);
+  EXPECT_EQ((std::array{leaf.eax, leaf.ebx, leaf.ecx, leaf.edx}),
+            (std::array{1u, 2u, 3u, 0xFFFFFFFFu}));
+  EXPECT_EQ(hardware.memory.total, 0x100000000u);
+  EXPECT_EQ(hardware.memory.available, 0x100000001u);
+  EXPECT_EQ(hardware.memory.load, 42u);
+  EXPECT_EQ(hardware.swap_file->path, "C:\\WIN386.SWP");
+  EXPECT_EQ(hardware.swap_file->pages, 0x100000000u);
+  EXPECT_EQ(hardware.free_resources, (std::array<DWORD, 3>{0, 78, 0}));
+  EXPECT_NE(machine.libraries.Load("RSRC32.DLL", ""), nullptr);
   EXPECT_EQ(machine.desktop.screen_size.cx, 640);
   EXPECT_EQ(machine.desktop.screen_size.cy, 480);
   EXPECT_EQ(machine.desktop.bits_per_pixel, 4);
@@ -215,6 +245,19 @@ TEST(MachineFacts, WhatIsWrong) {
       {"Sid=S-1-5", "User", "7: Sid: the value is no security identifier"},
       {"Desktop=C:\\", "SpecialFolders", "7: Desktop: the key is no number"},
       {"16=C:\\\n0x10=D:\\", "SpecialFolders", "8: 0x10: the folder's number stands twice"},
+      {"Age=Pentium", "Processor", "7: Age: the value is neither"},
+      {"Real=yes\nCounterFrequency=5", "Processor", "0: [Processor] Real: the processor is"},
+      {"x=1 2 3 4", "ProcessorLeaves", "7: x: the key is no number of a leaf"},
+      {"1=1 2 3", "ProcessorLeaves", "7: 1: the value is not the four numbers"},
+      {"1=1 2 3 4 5", "ProcessorLeaves", "7: 1: the value has more than four"},
+      {"1=1 2 3 4\n0x1=1 2 3 4", "ProcessorLeaves", "8: 0x1: the leaf's number stands twice"},
+      {"Total=256MB", "Memory", "7: Total: the value is no number of bytes"},
+      {"Total=17592186044416 MB", "Memory", "7: Total: the value is no number of bytes"},
+      {"Total=18446744073709551616", "Memory", "7: Total: the value is no number of bytes"},
+      {"Load=101", "Memory", "7: Load: the value is no number from 0 to 100"},
+      {"Pages=-1", "SwapFile", "7: Pages: the value is no number from 0 to 18446744073709551615"},
+      {"User=101", "FreeResources", "7: User: the value is no number from 0 to 100"},
+      {"C:\\f=big", "FileSizes", "7: C:\\f: the value is no number of bytes"},
       {"Software=5", "DeniedKeys", "7: Software: the key is no path that begins with a hive"},
       {"HKCU\\K=5", "DeniedKeys", "7: HKCU\\K: a key of the user is stated below HKU"},
       {"HKLM\\K=0", "DeniedKeys", "7: HKLM\\K: the value is no error code"},

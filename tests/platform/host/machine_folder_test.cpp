@@ -88,6 +88,9 @@ TEST_F(MachineFolder, Errors) {
        "machine.ini:3: Minor: the value is no number"},
       {"machine.ini", "[Version\n", "machine.ini:1: the section has no closing bracket"},
       {"machine.ini", "", "machine.ini: [Version] Major is missing"},
+      {"machine.ini",
+       "[Version]\nMajor=4\nMinor=0\nBuild=950\nPlatform=1\n[FileSizes]\nC:\\none=1\n",
+       "machine.ini: [FileSizes] C:\\none: no such file"},
   };
   for (const auto& row : rows) {
     Write(row.file, row.bytes);
