@@ -29,4 +29,13 @@ std::uint32_t ParseProfileNumber(const char* text) {
   return ParseDigits(text, 10);
 }
 
+void FormatNumber(std::uint64_t number, char (&text)[kNumberTextSize]) {
+  std::size_t length = 1;
+  for (std::uint64_t rest = number / 10; rest != 0; rest /= 10)
+    ++length;
+  text[length] = '\0';
+  for (; length > 0; number /= 10)
+    text[--length] = static_cast<char>('0' + number % 10);
+}
+
 }  // namespace hostscope

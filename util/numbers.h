@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace hostscope {
@@ -12,5 +13,11 @@ namespace hostscope {
 // It ends at the first other character. No blank is skipped and no plus sign taken; a text without
 // leading digits gives 0, and overflow wraps modulo 2^32.
 std::uint32_t ParseProfileNumber(const char* text);
+
+// Room for the text of the largest 64-bit number, terminator included.
+inline constexpr std::size_t kNumberTextSize = 21;
+
+// The number in decimal digits; the platform's formatter knows no 64-bit numbers.
+void FormatNumber(std::uint64_t number, char (&text)[kNumberTextSize]);
 
 }  // namespace hostscope

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "platform/host/desktop.h"
+#include "platform/host/dll_version.h"
 #include "platform/host/faults.h"
 #include "platform/host/file_system.h"
 #include "platform/host/handles.h"
@@ -91,6 +92,7 @@ struct Machine {
   Registry registry;
   FileSystem files;
   Libraries libraries;
+  std::vector<DllVersionAnswer> dll_versions;  // by StateDllVersion
   Desktop desktop;
   HandleTable handles;
   Faults faults;

@@ -8,4 +8,5 @@
 #include "platform/host/kernel32.h"
 #include "platform/host/shell32.h"
 #include "platform/host/user32.h"
+#include "platform/host/version.h"
 #include "platform/host/windows_types.h"
