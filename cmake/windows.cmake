@@ -24,6 +24,24 @@ if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
   if(EXE_TEST_SOURCES)
     add_ordinary_exe(exe_tests ${EXE_TEST_SOURCES})
     target_link_libraries(exe_tests PRIVATE GTest::gtest_main)
+
+    # Libraries that the tests put beside the exe. DEFINITION is empty for one without a
+    # DllGetVersion; the resource file may be left out.
+    function(add_version_dll name definition)
+      add_library(${name} SHARED tests/windows/dlls/version_dll.cpp ${ARGN})
+      target_compile_definitions(${name} PRIVATE ${definition})
+      target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-ffreestanding -fno-ident>)
+      target_link_options(${name} PRIVATE -nostdlib -s -Wl,--kill-at -Wl,--entry=_DllMain@12)
+      set_target_properties(${name} PROPERTIES PREFIX ""
+        RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/test_dlls)
+      add_dependencies(exe_tests ${name})
+    endfunction()
+    set(VERSION_RESOURCE tests/windows/dlls/version_dll.rc)
+    add_version_dll(v_both VERSION_SIZES=20,32 ${VERSION_RESOURCE})
+    add_version_dll(v_older VERSION_SIZES=20 ${VERSION_RESOURCE})
+    add_version_dll(v_refuses VERSION_SIZES=0 ${VERSION_RESOURCE})
+    add_version_dll(v_silent "" ${VERSION_RESOURCE})
+    add_version_dll(v_bare VERSION_SIZES=0)
   endif()
 
   file(GLOB CONTRACT_SOURCES CONFIGURE_DEPENDS tests/contract/*.cpp)
