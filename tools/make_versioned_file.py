@@ -75,7 +75,7 @@ def main():
     parser.add_argument("texts", nargs="*", metavar="NAME=TEXT")
     parser.add_argument("--language", type=lambda text: int(text, 16), default=0x409)
     parser.add_argument("--size", type=int, default=0)
-    arguments = parser.parse_args()
+    arguments = parser.parse_intermixed_args()
     version = None
     if arguments.version != "none":
         version = [int(part) for part in arguments.version.split(".")]
