@@ -34,7 +34,7 @@ set(HOSTSCOPE_EXE_COMPILE_OPTIONS
 
 # The libraries that every target system has. The import library of kernel32 also offers
 # functions that were advapi32's alone (OpenThreadToken), so that one comes first.
-set(HOSTSCOPE_EXE_LIBRARIES advapi32 kernel32 user32 gdi32 shell32 comctl32 gcc)
+set(HOSTSCOPE_EXE_LIBRARIES advapi32 kernel32 user32 gdi32 shell32 comctl32 version gcc)
 
 set(HOSTSCOPE_EXE_LINK_OPTIONS
     -nostdlib -nostartfiles -static

@@ -11,6 +11,8 @@
 #include "probes/system/windows_version.h"
 #include "probes/system/working_time.h"
 #include "scans/custom_dlls.h"
+#include "scans/dll_versions.h"
+#include "scans/folder_tree.h"
 #include "scans/key_scan.h"
 #include "scans/registry_dump.h"
 
@@ -130,6 +132,14 @@ constexpr Item kCustomDllItems[] = {
     {.write_lines = RunCustomDlls},
 };
 
+constexpr Item kDllItems[] = {
+    {.progress_label = "Dlls versions...", .write_lines = WriteDllVersions},
+};
+
+constexpr Item kFolderItems[] = {
+    {.progress_label = "Folders...", .write_lines = WriteFolders},
+};
+
 constexpr Section kSections[] = {
     {.banner = "SYSTEM INFORMATION",
      .profile_section = "SYSTEM",
@@ -147,11 +157,11 @@ constexpr Section kSections[] = {
     {.banner = "USB CONTROLLERS", .profile_section = "USB"},
     {.banner = "PRINTERS", .profile_section = "PRINTER"},
     {.banner = "PROCESSES", .profile_section = "PROCESS"},
-    {.banner = "DLLS VERSIONS", .list = &Settings::dlls},
+    {.banner = "DLLS VERSIONS", .list = &Settings::dlls, .items = kDllItems},
     {.banner = "REGISTRY KEYS", .list = &Settings::registry_keys, .items = kRegistryItems},
     // The scan that appends to the folders below; it has no banner.
     {.list = &Settings::scan_keys, .items = kKeyScanItems},
-    {.banner = "Folders & files", .list = &Settings::folders},
+    {.banner = "Folders & files", .list = &Settings::folders, .items = kFolderItems},
     {.banner = "ADDITIONAL INFORMATION", .list = &Settings::custom_dlls, .items = kCustomDllItems},
 };
 

@@ -71,12 +71,19 @@ class FileSearch {
   // Whether there is a first entry.
   bool found() const { return handle_ != INVALID_HANDLE_VALUE; }
   // False at the end of the listing, and when it cannot go on.
-  bool Next() { return FindNextFileA(handle_, &entry_) != 0; }
+  bool Next() {
+    if (FindNextFileA(handle_, &entry_) != 0) return true;
+    broke_off_ = GetLastError() != ERROR_NO_MORE_FILES;
+    return false;
+  }
+  // Whether Next has answered false before the end.
+  bool broke_off() const { return broke_off_; }
   const WIN32_FIND_DATAA& entry() const { return entry_; }
 
  private:
   WIN32_FIND_DATAA entry_ = {};
   HANDLE handle_;
+  bool broke_off_ = false;
 };
 
 }  // namespace hostscope

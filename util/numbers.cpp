@@ -1,7 +1,5 @@
 #include "util/numbers.h"
 
-#include "util/text.h"
-
 namespace hostscope {
 namespace {
 
@@ -31,14 +29,13 @@ std::uint32_t ParseProfileNumber(const char* text) {
   return ParseDigits(text, 10);
 }
 
-void FormatUnsigned64(std::uint64_t number, std::span<char> text) {
-  char digits[kUnsigned64Size] = {};
-  std::size_t first = kUnsigned64Size - 1;
-  do {
-    digits[--first] = static_cast<char>('0' + number % 10);
-    number /= 10;
-  } while (number != 0);
-  CopyText(text.data(), text.size(), digits + first);
+void FormatUnsigned64(std::uint64_t number, char (&text)[kUnsigned64Size]) {
+  std::size_t length = 1;
+  for (std::uint64_t rest = number / 10; rest != 0; rest /= 10)
+    ++length;
+  text[length] = '\0';
+  for (; length > 0; number /= 10)
+    text[--length] = static_cast<char>('0' + number % 10);
 }
 
 }  // namespace hostscope

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <span>
 
 namespace hostscope {
 
@@ -14,11 +14,10 @@ namespace hostscope {
 // leading digits gives 0, and overflow wraps modulo 2^32.
 std::uint32_t ParseProfileNumber(const char* text);
 
-// Room for any number in FormatUnsigned64, terminator included.
+// Room for the text of the largest 64-bit number, terminator included.
 inline constexpr std::size_t kUnsigned64Size = 21;
 
-// The number in decimal digits, cut to the text's room: the platform's formatter knows no 64-bit
-// numbers on the older systems.
-void FormatUnsigned64(std::uint64_t number, std::span<char> text);
+// The number in decimal digits; the platform's formatter knows no 64-bit numbers.
+void FormatUnsigned64(std::uint64_t number, char (&text)[kUnsigned64Size]);
 
 }  // namespace hostscope

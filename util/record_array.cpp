@@ -1,5 +1,6 @@
 #include "util/record_array.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 
@@ -18,7 +19,9 @@ int RecordArray::Append(const void* record) {
   if (!present()) return -1;
   const auto index = static_cast<std::size_t>(count_);
   if ((index + 1) * record_size_ > block_.size()) {
-    const std::size_t step = growth_ * record_size_;
+    // At least the growth step, and half as much again in a large array: a folder may hold a
+    // hundred thousand names, and a copy of them all for every ten would take minutes.
+    const std::size_t step = std::max(growth_, index / 2) * record_size_;
     if (block_.size() > static_cast<std::size_t>(INT32_MAX) - step) return -1;
     if (!block_.Resize(block_.size() + step)) return -1;
   }

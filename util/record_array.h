@@ -1,4 +1,5 @@
-// The two growable containers: fixed-size records and texts. Both grow by ten elements at a time.
+// The two growable containers: fixed-size records and texts. Both grow by ten elements at a time,
+// and by more at once when they are large.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +8,7 @@
 
 namespace hostscope {
 
-// Growth step of every list in the program.
+// Least growth step of every list in the program.
 inline constexpr std::size_t kListGrowth = 10;
 
 // An ordered sequence of fixed-size records, all of one size, copied in by value and read in place.

@@ -291,6 +291,19 @@ DWORD FileSystem::Open(std::string_view path, const FileUse& use, Disposition di
   return ERROR_SUCCESS;
 }
 
+void FileSystem::StateWriteTime(std::string_view path, std::uint64_t time) {
+  const std::lock_guard lock(mutex_);
+  write_times_.insert_or_assign(std::string(path), time);
+}
+
+std::optional<std::uint64_t> FileSystem::StatedWriteTime(std::string_view path) const {
+  if (!HasDrive(path)) return std::nullopt;
+  const std::lock_guard lock(mutex_);
+  auto found = write_times_.find(path);
+  if (found == write_times_.end()) found = write_times_.find("*");
+  return found == write_times_.end() ? std::nullopt : std::optional(found->second);
+}
+
 DWORD FileSystem::ReadWhole(std::string_view path, std::string& content) const {
   std::shared_ptr<OpenFile> file;
   const FileUse use{.read = true, .write = false, .share_read = true, .share_write = true};

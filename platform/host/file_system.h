@@ -22,6 +22,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/host/code_page.h"
 #include "platform/host/handles.h"
 #include "platform/host/windows_types.h"
 
@@ -97,6 +98,12 @@ class FileSystem {
   // they share, as on Windows; a file open for neither reading nor writing keeps nobody out.
   DWORD Open(std::string_view path, const FileUse& use, Disposition disposition,
              std::shared_ptr<OpenFile>& file, bool* existed = nullptr) const;
+  // Searches give this time (file_time.h) for the path, a full one of a drive, or for everything on
+  // drives that has none of its own ("*"), and not that of the file on disk.
+  void StateWriteTime(std::string_view path, std::uint64_t time);
+  // Of a full path; absent when nothing is stated.
+  std::optional<std::uint64_t> StatedWriteTime(std::string_view path) const;
+
   // Everything in a file, shared with every other use of it; 0 or the error.
   DWORD ReadWhole(std::string_view path, std::string& content) const;
 
@@ -120,10 +127,11 @@ class FileSystem {
   DWORD SetCurrentFolder(std::string_view path);
 
  private:
-  mutable std::mutex mutex_;  // guards the drives and the current folder
+  mutable std::mutex mutex_;  // guards the drives, the current folder and the times
   std::map<char, std::filesystem::path> drives_;
   std::map<std::string, std::uint64_t, std::less<>> stated_sizes_;  // by path
   std::string current_folder_ = "C:\\";
+  std::map<std::string, std::uint64_t, NoCaseLess> write_times_;
   std::shared_ptr<FileClaims> claims_;
 };
 

@@ -21,6 +21,7 @@ inline constexpr DWORD FILE_ATTRIBUTE_SYSTEM = 0x4;
 inline constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
 inline constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;
 inline constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
+inline constexpr DWORD FILE_ATTRIBUTE_REPARSE_POINT = 0x400;
 inline constexpr DWORD FILE_FLAG_DELETE_ON_CLOSE = 0x04000000;
 inline constexpr DWORD FILE_FLAG_SEQUENTIAL_SCAN = 0x08000000;
 inline constexpr DWORD INVALID_FILE_SIZE = 0xFFFFFFFF;
@@ -218,6 +219,7 @@ DWORD WINAPI GetPrivateProfileSectionA(LPCSTR section, LPSTR buffer, DWORD size,
 BOOL WINAPI GetVersionExA(LPOSVERSIONINFOA version);
 DWORD WINAPI GetTickCount();
 void WINAPI GetLocalTime(LPSYSTEMTIME time);
+BOOL WINAPI FileTimeToSystemTime(const FILETIME* file_time, LPSYSTEMTIME time);
 BOOL WINAPI GetComputerNameA(LPSTR buffer, LPDWORD size);
 int WINAPI GetLocaleInfoA(LCID locale, LCTYPE type, LPSTR buffer, int size);
 UINT WINAPI GetWindowsDirectoryA(LPSTR buffer, UINT size);

@@ -16,6 +16,7 @@
 
 #include "platform/host/code_page.h"
 #include "platform/host/file_attributes.h"
+#include "platform/host/file_time.h"
 #include "platform/host/kernel32.h"
 #include "platform/host/machine.h"
 #include "platform/host/process.h"
@@ -25,18 +26,20 @@ namespace host {
 DWORD ReadFileFacts(const std::filesystem::path& path, FileFacts& facts) {
   struct stat status;
   if (stat(path.c_str(), &status) != 0) return ErrorFromErrno(errno);
+  struct stat own_status;
+  const bool is_link = lstat(path.c_str(), &own_status) == 0 && S_ISLNK(own_status.st_mode);
   facts = FileFacts();
   if (S_ISDIR(status.st_mode)) {
     facts.attributes = FILE_ATTRIBUTE_DIRECTORY;
+    if (is_link) facts.attributes |= FILE_ATTRIBUTE_REPARSE_POINT;
   } else {
     facts.attributes = FILE_ATTRIBUTE_ARCHIVE;
     if ((status.st_mode & S_IWUSR) == 0) facts.attributes |= FILE_ATTRIBUTE_READONLY;
     facts.size = static_cast<std::uint64_t>(status.st_size);
   }
-  // 100-nanosecond steps since the beginning of 1601.
-  constexpr std::int64_t kSecondsFrom1601To1970 = 11644473600;
-  facts.write_time = static_cast<std::uint64_t>(
-      (status.st_mtim.tv_sec + kSecondsFrom1601To1970) * 10000000 + status.st_mtim.tv_nsec / 100);
+  facts.write_time = static_cast<std::uint64_t>((status.st_mtim.tv_sec + kSecondsFrom1601To1970) *
+                                                    kStepsPerSecond +
+                                                status.st_mtim.tv_nsec / 100);
   return ERROR_SUCCESS;
 }
 
@@ -97,16 +100,20 @@ bool Fits(std::string_view pattern, std::string_view name) {
 
 class Search : public Object {
  public:
-  explicit Search(std::vector<FileSystem::Entry> entries)
-      : Object("search"), entries_(std::move(entries)) {}
+  // The folder is named as a full path of the program.
+  Search(std::string folder, std::vector<FileSystem::Entry> entries)
+      : Object("search"), folder_(std::move(folder)), entries_(std::move(entries)) {}
 
   // ERROR_NO_MORE_FILES after the last entry. What has gone meanwhile is passed over.
   DWORD Next(WIN32_FIND_DATAA& data) {
     for (; next_ < entries_.size(); ++next_) {
       FileFacts facts;
       if (ReadFileFacts(entries_[next_].path, facts) != ERROR_SUCCESS) continue;
-      facts.size = CurrentMachine().files.StatedSize(entries_[next_].path).value_or(facts.size);
-      Fill(entries_[next_++].name, facts, data);
+      const std::string& name = entries_[next_].name;
+      const FileSystem& files = CurrentMachine().files;
+      facts.size = files.StatedSize(entries_[next_++].path).value_or(facts.size);
+      facts.write_time = files.StatedWriteTime(folder_ + "\\" + name).value_or(facts.write_time);
+      Fill(name, facts, data);
       return ERROR_SUCCESS;
     }
     return ERROR_NO_MORE_FILES;
@@ -127,6 +134,7 @@ class Search : public Object {
     name.copy(data.cFileName, sizeof(data.cFileName) - 1);
   }
 
+  std::string folder_;
   std::vector<FileSystem::Entry> entries_;
   std::size_t next_ = 0;
 };
@@ -137,17 +145,18 @@ std::size_t LastComponent(std::string_view path) {
 }
 
 // The one file that a path without wildcards names, with its name as it is on disk.
-DWORD FindOne(const FileSystem& files, std::string_view path,
+DWORD FindOne(const FileSystem& files, std::string_view path, std::string& folder,
               std::vector<FileSystem::Entry>& entries) {
   FileSystem::Place place;
   if (const DWORD error = files.Locate(path, place)) return error;
   const char last = path.back();
   if (!place.exists || place.root || last == '\\' || last == '/') return ERROR_FILE_NOT_FOUND;
   entries = {{FileSystem::NameOf(place.path), place.path}};
+  folder = place.name.substr(0, LastComponent(place.name) - 1);
   return ERROR_SUCCESS;
 }
 
-DWORD FindMatching(const FileSystem& files, std::string_view path,
+DWORD FindMatching(const FileSystem& files, std::string_view path, std::string& folder,
                    std::vector<FileSystem::Entry>& entries) {
   const std::size_t begin = LastComponent(path);
   FileSystem::Place place;
@@ -156,6 +165,8 @@ DWORD FindMatching(const FileSystem& files, std::string_view path,
   }
   if (!place.folder) return place.exists ? ERROR_DIRECTORY : ERROR_PATH_NOT_FOUND;
   if (const DWORD error = files.List(place, entries)) return error;
+  // The topmost folder's name has its separator.
+  folder = place.root ? place.name.substr(0, place.name.size() - 1) : place.name;
   if (!place.root) {
     entries.insert(entries.begin(), {{".", place.path}, {"..", place.path.parent_path()}});
   }
@@ -173,11 +184,12 @@ HANDLE WINAPI FindFirstFileA(LPCSTR pattern, LPWIN32_FIND_DATAA data) {
   if (EndableCallFails("FindFirstFileA")) return INVALID_HANDLE_VALUE;
   Machine& machine = CurrentMachine();
   const std::string_view path = pattern == nullptr ? "" : pattern;
+  std::string folder;
   std::vector<FileSystem::Entry> entries;
   const bool wild = path.find_first_of("*?", LastComponent(path)) != std::string_view::npos;
-  DWORD error =
-      wild ? FindMatching(machine.files, path, entries) : FindOne(machine.files, path, entries);
-  const auto search = std::make_shared<Search>(std::move(entries));
+  DWORD error = wild ? FindMatching(machine.files, path, folder, entries)
+                     : FindOne(machine.files, path, folder, entries);
+  const auto search = std::make_shared<Search>(std::move(folder), std::move(entries));
   if (error == ERROR_SUCCESS) error = search->Next(*data);
   if (error == ERROR_SUCCESS) return reinterpret_cast<HANDLE>(machine.handles.Open(search));
   SetLastError(error == ERROR_NO_MORE_FILES ? ERROR_FILE_NOT_FOUND : error);

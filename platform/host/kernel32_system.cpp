@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/host/file_time.h"
 #include "platform/host/kernel32.h"
 #include "platform/host/machine.h"
 
@@ -27,6 +28,11 @@ DWORD GiveFolder(std::string_view folder, LPSTR buffer, DWORD size) {
   if (!folder.empty()) return GiveText(folder, buffer, size);
   SetLastError(ERROR_PATH_NOT_FOUND);
   return 0;
+}
+
+SYSTEMTIME SystemTime(const LocalTime& time) {
+  return {time.year, time.month,  time.day_of_week, time.day,
+          time.hour, time.minute, time.second,      time.milliseconds};
 }
 
 template <typename Record>
@@ -69,9 +75,19 @@ DWORD WINAPI GetTickCount() {
 
 void WINAPI GetLocalTime(LPSYSTEMTIME time) {
   if (CallFails("GetLocalTime")) return;
-  const LocalTime& now = CurrentMachine().local_time;
-  *time = {now.year, now.month,  now.day_of_week, now.day,
-           now.hour, now.minute, now.second,      now.milliseconds};
+  *time = SystemTime(CurrentMachine().local_time);
+}
+
+BOOL WINAPI FileTimeToSystemTime(const FILETIME* file_time, LPSYSTEMTIME time) {
+  if (CallFails("FileTimeToSystemTime")) return FALSE;
+  const auto parts =
+      TimeOf(std::uint64_t{file_time->dwHighDateTime} << 32 | file_time->dwLowDateTime);
+  if (!parts) {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return FALSE;
+  }
+  *time = SystemTime(*parts);
+  return TRUE;
 }
 
 BOOL WINAPI GetComputerNameA(LPSTR buffer, LPDWORD size) {

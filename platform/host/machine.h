@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "platform/host/desktop.h"
+#include "platform/host/dll_version.h"
 #include "platform/host/faults.h"
 #include "platform/host/file_system.h"
 #include "platform/host/handles.h"
@@ -99,6 +100,7 @@ struct Machine {
   FileSystem files;
   Libraries libraries;
   PlugIns plug_ins;
+  std::vector<DllVersionAnswer> dll_versions;  // by StateDllVersion
   Desktop desktop;
   HandleTable handles;
   Faults faults;

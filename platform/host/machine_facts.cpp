@@ -10,6 +10,7 @@
 #include <type_traits>
 
 #include "platform/host/code_page.h"
+#include "platform/host/file_time.h"
 #include "platform/host/functions.h"
 #include "platform/host/security_id.h"
 
@@ -62,7 +63,7 @@ std::string ReadValue(string_view value, std::optional<std::string>& field) {
 
 // Takes digits off the front up to the stop character, which goes too; the end of the text for
 // none.
-std::optional<WORD> TakeTimePart(string_view& text, char stop) {
+std::optional<WORD> TakeNumber(string_view& text, char stop) {
   const std::size_t end = stop == '\0' ? text.size() : text.find(stop);
   if (end == string_view::npos) return std::nullopt;
   const string_view digits = text.substr(0, end);
@@ -83,7 +84,7 @@ std::string ReadValue(string_view value, LocalTime& field) {
   if (text.find('.') == std::string::npos) text += ".000";
   string_view rest = text;
   for (std::size_t i = 0; i < std::size(parts); ++i) {
-    const std::optional<WORD> part = TakeTimePart(rest, stops[i]);
+    const std::optional<WORD> part = TakeNumber(rest, stops[i]);
     if (!part) return malformed;
     *parts[i] = *part;
   }
@@ -316,6 +317,40 @@ std::string ReadPlugIn(Machine& machine, string_view key, string_view value) {
   return "";
 }
 
+// "5.81.4916.0", "20-byte 5.81.4916" or "refused".
+std::optional<DllVersionAnswer> ParseDllVersion(string_view text) {
+  DllVersionAnswer answer;
+  if (text == "refused") return answer;
+  std::size_t count = 4;
+  if (text.starts_with("20-byte ")) {
+    text.remove_prefix(8);
+    count = 3;
+  }
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::optional<WORD> part = TakeNumber(text, i + 1 < count ? '.' : '\0');
+    if (!part) return std::nullopt;
+    answer.parts[i] = *part;
+  }
+  answer.plain = true;
+  answer.extended = count == 4;
+  return answer;
+}
+
+std::string ReadDllVersion(Machine& machine, string_view key, string_view value) {
+  const std::optional<DllVersionAnswer> answer = ParseDllVersion(value);
+  if (answer) return StateDllVersion(machine, key, *answer);
+  return "the value is neither a version (5.81.4916.0), \"20-byte\" and three numbers of one nor "
+         "\"refused\"";
+}
+
+std::string ReadFileTime(Machine& machine, string_view key, string_view value) {
+  if (key != "*" && key.substr(1, 2) != ":\\") return "the key is neither a full path nor \"*\"";
+  LocalTime time;
+  const std::string reason = ReadValue(value, time);
+  if (reason.empty()) machine.files.StateWriteTime(key, StepsOf(time));
+  return reason;
+}
+
 std::string ReadDeniedKey(Machine& machine, string_view key, string_view value) {
   const std::optional<Hive> hive = HiveByName(key.substr(0, key.find('\\')));
   if (!hive) return "the key is no path that begins with a hive";
@@ -413,6 +448,8 @@ constexpr Fact kFacts[] = {
     {"DeniedKeys", "*", ReadDeniedKey},
     {"Libraries", "*", ReadLibrary},
     {"PlugIns", "*", ReadPlugIn},
+    {"DllVersions", "*", ReadDllVersion},
+    {"FileTimes", "*", ReadFileTime},
     {"Faults", "*", ReadFault},
 };
 

@@ -9,5 +9,6 @@
 #include "platform/host/mapi32.h"
 #include "platform/host/shell32.h"
 #include "platform/host/user32.h"
+#include "platform/host/version.h"
 #include "platform/host/windows_types.h"
 #include "platform/host/winmm.h"

@@ -73,7 +73,9 @@ TEST(ReportWorker, SectionsByTheirSwitches) {
       {"lists that are not empty",
        "[CUSTOM DLLS]\r\na.dll\r\n[DLLS]\r\nb.dll\r\n[FOLDERS]\r\n"
        "[SCAN KEYS]\r\nHKLM\\x\r\n[REGISTRY KEYS]\r\n",
-       "\r\n\r\n" + Banner("DLLS VERSIONS") + Banner("ADDITIONAL INFORMATION")},
+       "\r\n\r\n" + Banner("DLLS VERSIONS") +
+           "[dll name]                 [version]\r\nb.dll                      dll is missing\r\n" +
+           Banner("ADDITIONAL INFORMATION")},
   };
   for (const Row& row : rows) {
     test::ReportRun run;
@@ -187,7 +189,7 @@ TEST(ReportWorker, NothingStaysOpenWhicheverCallFails) {
   constexpr char kProfile[] =
       "[SYSTEM]\r\nWindowsVersion=1\r\nWorkingTime=1\r\nComputerName=1\r\nUserName=1\r\n"
       "UserLocale=1\r\nWindowsFolder=1\r\nSystemFolder=1\r\nTempFolder=1\r\n"
-      "[DLLS]\r\na.dll\r\n[POST-RUN]\r\nTo=a\r\n";
+      "[DLLS]\r\na.dll\r\n[FOLDERS]\r\n<Run Folder>,1\r\nHKLM\\x,1\r\n[POST-RUN]\r\nTo=a\r\n";
   test::ReportRun plain;
   plain.Run(kProfile);
   // What gives something back cannot be asked to fail and to leave nothing open.

@@ -297,6 +297,61 @@ TEST(MachineFacts, WhatIsWrong) {
             "6: ProductType: the value is no number from 0 to 255");
 }
 
+// What a library answers to a record of that size: the error, or the parts that it fills in.
+std::string DllVersion(Machine& machine, const char* library, DWORD size) {
+  const UseMachine use(machine);
+  const HMODULE module = LoadLibraryA(library);
+  const FARPROC function = module == nullptr ? nullptr : GetProcAddress(module, "DllGetVersion");
+  if (function == nullptr) return "none";
+  WORD record[16] = {static_cast<WORD>(size)};
+  const HRESULT result =
+      reinterpret_cast<HRESULT (*)(void*)>(reinterpret_cast<void (*)()>(function))(record);
+  if (result != 0) return "refused";
+  std::string text;
+  for (const int part : {2, 4, 6, 8, 15, 14, 13, 12})
+    text += " " + std::to_string(record[part]);
+  return text;
+}
+
+TEST(MachineFacts, VersionsOfLibrariesAndTimesOfFiles) {
+  Machine machine;
+  ASSERT_EQ(State(kVersion + "[DllVersions]\nCOMCTL32.DLL=5.81.4916.7\nOLD.DLL=20-byte 4.72.3110\n"
+                             "NO.DLL=refused\n[FileTimes]\n*=2001-02-03 04:05:06\n"
+                             "C:\\A=1999-12-31 23:59:59.5\n",
+                  machine),
+            "");
+  EXPECT_EQ(DllVersion(machine, "comctl32", 32), " 5 81 4916 2 5 81 4916 7");
+  EXPECT_EQ(DllVersion(machine, "comctl32", 20), " 5 81 4916 2 0 0 0 0");
+  EXPECT_EQ(DllVersion(machine, "comctl32", 24), "refused");
+  EXPECT_EQ(DllVersion(machine, "old.dll", 32), "refused");
+  EXPECT_EQ(DllVersion(machine, "old.dll", 20), " 4 72 3110 2 0 0 0 0");
+  EXPECT_EQ(DllVersion(machine, "no.dll", 20), "refused");
+  EXPECT_EQ(DllVersion(machine, "kernel32.dll", 20), "none");
+  EXPECT_EQ(machine.files.StatedWriteTime("c:\\b"), 126256467060000000);
+  EXPECT_EQ(machine.files.StatedWriteTime("c:\\a"), 125911583990050000);
+  EXPECT_EQ(machine.files.StatedWriteTime("/home/a"), std::nullopt);
+  std::string many = kVersion + "[DllVersions]\n";
+  for (std::size_t i = 0; i <= kMostDllVersions; ++i)
+    many += "A" + std::to_string(i) + ".DLL=refused\n";
+  const std::string malformed =
+      "the value is neither a version (5.81.4916.0), \"20-byte\" and three numbers of one nor "
+      "\"refused\"";
+  const std::pair<std::string, std::string> rows[] = {
+      {many, "71: A64.DLL: there are more than 64 of them"},
+      {kVersion + "[DllVersions]\nA.DLL=5.81.4916\n", "7: A.DLL: " + malformed},
+      {kVersion + "[DllVersions]\nA.DLL=5.81.4916.65536\n", "7: A.DLL: " + malformed},
+      {kVersion + "[DllVersions]\nA.DLL=20-byte 5.81.4916.0\n", "7: A.DLL: " + malformed},
+      {kVersion + "[FileTimes]\nA=2001-02-03 04:05:06\n",
+       "7: A: the key is neither a full path nor \"*\""},
+      {kVersion + "[FileTimes]\n*=2001-02-30 04:05:06\n",
+       "7: *: the value is no time of the form 2002-03-07 09:05:00.000"},
+  };
+  for (const auto& [ini, expected] : rows) {
+    Machine other;
+    EXPECT_EQ(State(ini, other), expected);
+  }
+}
+
 // docs/machines.md has a heading "### [Section]" and a table row "| `Key` |" for each of them.
 TEST(MachineFacts, TheDescriptionNamesThemAll) {
   std::ifstream stream(HOSTSCOPE_SOURCE_FOLDER "/docs/machines.md");

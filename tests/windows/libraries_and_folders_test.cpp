@@ -1,0 +1,133 @@
+// The sections that a profile's lists call for: versions of libraries, trees of folders.
+#include <gtest/gtest.h>
+
+#include <tuple>
+
+#include "tests/support/versioned_file.h"
+#include "tests/windows/driver.h"
+#include "tests/windows/expected.h"
+
+namespace drive {
+namespace {
+
+using hostscope::test::Bytes;
+
+// The report's text behind a heading, and the last status line before the end of the list.
+std::string TextBehind(const Folder& folder, const std::string& profile, const std::string& heading,
+                       std::string& status) {
+  folder.Write("test.ini", profile);
+  Program program(folder, {.arguments = {"test.ini"}});
+  EXPECT_TRUE(program.WaitUntilFinished());
+  const auto lines = program.Lines();
+  status = lines.empty() ? "" : lines.front();
+  TypeKey(program.dialog(), 'X');
+  EXPECT_EQ(program.WaitForExit(), 0u);
+  const std::string report = Joined(ReportLines(folder.Read("hscope.txt").value_or("")));
+  const size_t at = report.find("\r\n\r\n" + heading);
+  return at == std::string::npos ? report : report.substr(at + 4 + heading.size());
+}
+
+// The build puts the tests' libraries into a folder beside this program.
+void CopyLibrary(const Folder& folder, const std::string& name) {
+  char path[MAX_PATH] = {};
+  GetModuleFileNameA(nullptr, path, MAX_PATH);
+  std::string source = path;
+  source.resize(source.rfind('\\') + 1);
+  source += "test_dlls\\" + name;
+  ASSERT_TRUE(CopyFileA(source.c_str(), folder.Path(name).c_str(), TRUE)) << source;
+}
+
+TEST(DllVersions, AreTheLibrariesOwn) {
+  const std::pair<const char*, const char*> built[] = {
+      {"v_both.dll", "5.81.4916.65535"}, {"v_older.dll", "5.81.4916.0"},
+      {"v_refuses.dll", "6.0.2600.7"},   {"v_silent.dll", "6.0.2600.7"},
+      {"v_bare.dll", "dll is missing"},
+  };
+  const std::tuple<const char*, hostscope::test::VersionedFile, const char*> written[] = {
+      {"strings.dll", {.strings = {{"FileVersion", "1.0"}}}, "dll is missing"},
+      {"short.dll", {.fixed = {{1, 2, 3, 4}}, .fixed_length = 44}, "1.2.3.4"},
+      {"no translation.dll", {.fixed = {{1, 0, 0, 9}}, .translation = {}}, "1.0.0.9"},
+  };
+  for (const char* name : {"win98", "winxp"}) {
+    const Release release(name);
+    const Folder folder;
+    std::string profile = "[DLLS]\r\nnosuch.dll\r\n", status;
+    std::string expected = Padded("nosuch.dll", 27) + "dll is missing\r\n";
+    const auto expect = [&](const std::string& entry, const std::string& version) {
+      profile += entry + "\r\n";
+      expected += Padded(entry, 27) + version + "\r\n";
+    };
+    for (const auto& [library, version] : built) {
+      CopyLibrary(folder, library);
+      expect(library, version);
+    }
+    for (const auto& [library, file, version] : written) {
+      folder.Write(library, Bytes(file));
+      expect(folder.Path(library), version);
+    }
+    EXPECT_EQ(TextBehind(folder, profile, "[dll name]                 [version]\r\n", status),
+              expected)
+        << name;
+    EXPECT_EQ(status, ProgressLine("Dlls versions...", "Ok"));
+  }
+}
+
+// Every file of the tree was written on 9 February 2004.
+void MakeFile(const Folder& folder, const std::string& name, const std::string& bytes,
+              LONGLONG size) {
+  const HANDLE file =
+      CreateFileA(folder.Path(name).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+  ASSERT_NE(file, INVALID_HANDLE_VALUE) << name;
+  DWORD done = 0;
+  WriteFile(file, bytes.data(), bytes.size(), &done, nullptr);
+  LONG high = static_cast<LONG>(size >> 32);
+  SetFilePointer(file, static_cast<LONG>(size), &high, FILE_BEGIN);
+  SetEndOfFile(file);
+  const SYSTEMTIME parts = {2004, 2, 0, 9, 23, 30, 0, 0};
+  FILETIME time;
+  SystemTimeToFileTime(&parts, &time);
+  SetFileTime(file, nullptr, nullptr, &time);
+  CloseHandle(file);
+}
+
+TEST(Folders, AreListedAsTrees) {
+  const Folder folder;
+  for (const char* name : {"T", "T\\Sub", "T\\Sub\\Void", "T\\Last"})
+    folder.MakeFolder(name);
+  MakeFile(folder, "T\\Sub\\Plain.Txt", "abc", 3);
+  MakeFile(folder, "T\\co-op.dll", Bytes({.fixed = {{5, 0, 2, 1}}}), 2048);
+  MakeFile(folder, "T\\COOP.DLL", Bytes({.strings = {{"FileVersion", "a text"}}}), 1024);
+  MakeFile(folder, "T\\a name that is longer than its column", "", 5000000000);
+  const RegistryValue value = RegistryValue::Text(HKEY_CURRENT_USER, "Software\\HostscopeTests",
+                                                  "Folder", folder.Path("T") + "\\");
+  const std::string files =
+      "|---a name that is longer than its column09.02.045000000000 b     \r\n"
+      "|---coop.dll                 09.02.04      1024 b     a text\r\n"
+      "|---co-op.dll                09.02.04      2048 b     5.0.2.1\r\n\r\n";
+  const std::string tree = folder.Path("T") +
+                           "\r\n"
+                           "|---\\LAST\r\n"
+                           "|   \r\n"
+                           "|---\\SUB\r\n"
+                           "|   |---\\VOID\r\n"
+                           "|   |   \r\n"
+                           "|   |---plain.txt                09.02.04         3 b     \r\n"
+                           "|   \r\n" +
+                           files;
+  std::string status;
+  const std::string text = TextBehind(
+      folder,
+      "[FOLDERS]\r\n" + folder.Path("T") +
+          ",1\r\nHKCU\\Software\\HostscopeTests,Folder,0\r\n"
+          "HKCU\\Software\\HostscopeTests,Other,0\r\nC:\\nosuch\r\n<run folder>,0\r\n",
+      "Folders & Files:      [path]   [last write date]   [size]   [version]\r\n\r\n", status);
+  const std::string expected = tree + folder.Path("T") + "\r\n|---\\LAST\r\n|---\\SUB\r\n" + files +
+                               "Can not read registry value.\r\n\r\n"
+                               "C:\\nosuch\r\nFolder is not exists.\r\n\r\n" +
+                               folder.path() + "\r\n|---\\T\r\n|---hscope.exe  ";
+  EXPECT_EQ(text.substr(0, expected.size()), expected);
+  EXPECT_EQ(status, ProgressLine("Folders...", "Ok"));
+}
+
+}  // namespace
+}  // namespace drive
