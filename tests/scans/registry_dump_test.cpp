@@ -125,11 +125,13 @@ TEST(RegistryKeys, Order) {
   registry.SetText("HKLM\\K\\B\\C", "deep", "3");
   registry.SetText("HKLM\\K\\B", "b", "4");
   registry.SetText("HKLM\\K\\A", "a", "5");
+  registry.SetText("HKLM\\K\\\0hidden"s, "never", "0");  // opened by its name it would be K
   registry.DenyAccess("HKLM\\K\\Closed");
   registry.SetText("HKLM\\K\\Closed", "never", "6");
   run.Run(kReport + "HKLM\\K,1\r\n"s);
   EXPECT_EQ(run.LastSection(),
             "HKEY_LOCAL_MACHINE\\K\r\n"
+            "    \\\r\n"
             "    \\A\r\n        a=\"5\"\r\n"
             "    \\B\r\n        \\C\r\n            deep=\"3\"\r\n        b=\"4\"\r\n"
             "    \\Closed\r\n"
