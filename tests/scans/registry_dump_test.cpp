@@ -212,16 +212,17 @@ TEST(RegistryKeys, LongNamesAndDeepTrees) {
   const std::string key_name(255, 'k'), value_name(16383, 'v'), text(70000, 't');
   registry.SetText("HKLM\\K\\" + key_name, value_name, text);
   constexpr int kDepth = 2000;
-  std::string path = "HKLM\\Deep";
+  registry.MakeKey("HKLM\\Deep");
+  host::RegistryKey* key = registry.Root(host::Hive::kLocalMachine)->subkeys.Find("Deep");
   std::string expected = "HKEY_LOCAL_MACHINE\\K\r\n    \\" + key_name + "\r\n        " +
                          value_name + "=\"" + text + "\"\r\n\r\nHKEY_LOCAL_MACHINE\\Deep\r\n";
   std::vector<std::string> values;
   for (int level = 1; level <= kDepth; ++level) {
     const std::string indent(4 * static_cast<std::size_t>(level), ' ');
-    registry.SetText(path, "v", std::to_string(level));
+    key->SetValue("v", REG_SZ, std::to_string(level) + '\0');
     values.push_back(indent + "v=\"" + std::to_string(level) + "\"\r\n");
     if (level < kDepth) expected += indent + "\\k\r\n";
-    path += "\\k";
+    if (level < kDepth) key = &key->MakeSubkey("k");
   }
   for (auto value = values.rbegin(); value != values.rend(); ++value)
     expected += *value;
