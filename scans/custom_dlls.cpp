@@ -12,8 +12,7 @@ namespace {
 // low eight bits count; whatever the function left above them is not looked at.
 using PlugInFunction = unsigned char (*)(HANDLE report);
 
-// An entry without a name names no function; the platform is not asked, which takes what is no
-// address of a text for a number.
+// An entry without a function's name has none: the platform is asked for real names only.
 PlugInFunction FindPlugIn(HMODULE library, const char* name) {
   if (name == nullptr || name[0] == '\0') return nullptr;
   return reinterpret_cast<PlugInFunction>(
@@ -23,15 +22,6 @@ PlugInFunction FindPlugIn(HMODULE library, const char* name) {
 const char* StatusOf(PlugInFunction plug_in, ReportWriter& report) {
   if (plug_in == nullptr) return "NoFunc";
   return plug_in(report.FlushedFile()) != 0 ? "Ok" : "Failed";
-}
-
-// Loads, calls and unloads; the status word.
-const char* RunPlugIn(const char* dll, const char* name, ReportWriter& report) {
-  HMODULE const library = LoadLibraryA(dll);
-  if (library == nullptr) return "Absent";
-  const char* const status = StatusOf(FindPlugIn(library, name), report);
-  FreeLibrary(library);
-  return status;
 }
 
 // "DLL...", with room for the status word in a line that is formatted.
@@ -47,8 +37,11 @@ void RunEntry(ItemRun& run, char* entry) {
   char label[kFormattedSize];
   MakeLabel(entry, label);
   run.progress.AddProgressLine(label);
-  const char* const status = RunPlugIn(entry, name, run.report);
+  HMODULE const library = LoadLibraryA(entry);
+  const char* const status =
+      library == nullptr ? "Absent" : StatusOf(FindPlugIn(library, name), run.report);
   run.progress.ReplaceWithStatus(label, status);
+  if (library != nullptr) FreeLibrary(library);
 }
 
 }  // namespace

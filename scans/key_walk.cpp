@@ -63,7 +63,10 @@ bool KeyWalk::Enter(HKEY key) {
   return true;
 }
 
+// A name that begins with a zero, as a key of NT may have, reads as an empty one; that would open the
+// key itself again, and the walk would never end.
 void KeyWalk::EnterSubkey() {
+  if (name()[0] == '\0') return;
   HKEY key = nullptr;
   if (RegOpenKeyExA(Deepest()->key, name(), 0, kWalkAccess, &key) != ERROR_SUCCESS) return;
   if (!Enter(key)) RegCloseKey(key);

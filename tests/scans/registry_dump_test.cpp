@@ -125,11 +125,13 @@ TEST(RegistryKeys, Order) {
   registry.SetText("HKLM\\K\\B\\C", "deep", "3");
   registry.SetText("HKLM\\K\\B", "b", "4");
   registry.SetText("HKLM\\K\\A", "a", "5");
+  registry.SetText("HKLM\\K\\\0hidden"s, "never", "0");  // opened by its name it would be K
   registry.DenyAccess("HKLM\\K\\Closed");
   registry.SetText("HKLM\\K\\Closed", "never", "6");
   run.Run(kReport + "HKLM\\K,1\r\n"s);
   EXPECT_EQ(run.LastSection(),
             "HKEY_LOCAL_MACHINE\\K\r\n"
+            "    \\\r\n"
             "    \\A\r\n        a=\"5\"\r\n"
             "    \\B\r\n        \\C\r\n            deep=\"3\"\r\n        b=\"4\"\r\n"
             "    \\Closed\r\n"
@@ -210,16 +212,17 @@ TEST(RegistryKeys, LongNamesAndDeepTrees) {
   const std::string key_name(255, 'k'), value_name(16383, 'v'), text(70000, 't');
   registry.SetText("HKLM\\K\\" + key_name, value_name, text);
   constexpr int kDepth = 2000;
-  std::string path = "HKLM\\Deep";
+  registry.MakeKey("HKLM\\Deep");
+  host::RegistryKey* key = registry.Root(host::Hive::kLocalMachine)->subkeys.Find("Deep");
   std::string expected = "HKEY_LOCAL_MACHINE\\K\r\n    \\" + key_name + "\r\n        " +
                          value_name + "=\"" + text + "\"\r\n\r\nHKEY_LOCAL_MACHINE\\Deep\r\n";
   std::vector<std::string> values;
   for (int level = 1; level <= kDepth; ++level) {
     const std::string indent(4 * static_cast<std::size_t>(level), ' ');
-    registry.SetText(path, "v", std::to_string(level));
+    key->SetValue("v", REG_SZ, std::to_string(level) + '\0');
     values.push_back(indent + "v=\"" + std::to_string(level) + "\"\r\n");
     if (level < kDepth) expected += indent + "\\k\r\n";
-    path += "\\k";
+    if (level < kDepth) key = &key->MakeSubkey("k");
   }
   for (auto value = values.rbegin(); value != values.rend(); ++value)
     expected += *value;
