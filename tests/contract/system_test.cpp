@@ -119,7 +119,7 @@ TEST_F(SystemContract, EnvironmentAndErrorMode) {
       {"%WinDir%", windows},
       {"a%windir%\\b%windir", "a" + windows + "\\b%windir"},
       {"100% %no such%", "100% %no such%"},
-      {"%no such%windir%", "%no such" + windows},
+      {"%no such%windir%", "%no such%windir%"},
       {"", ""}};
   for (const auto& [text, expected] : rows) {
     ExpectFill("'" + text + "'", expected, [&](DWORD size, char* buffer) {

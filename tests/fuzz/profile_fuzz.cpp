@@ -22,18 +22,20 @@ void Require(bool holds) {
 // Longer than the longest section that is seen; each key reads the whole file again.
 constexpr std::size_t kLongest = 40000;
 
-void Find(const char* folder, const std::string& path) {
-  const OwnedText found = FindProfile(folder);
-  Require(!found.present() || path == found.c_str());
+constexpr char kPath[] = "C:\\p.ini";
+
+void Find() {
+  const OwnedText found = FindProfile("C:");
+  Require(!found.present() || SameText(found.c_str(), kPath));
 }
 
-void ReadAll(const char* path) {
+void ReadAll() {
   const auto settings = std::make_unique<ProfileSettings>();
   std::vector<char> work(32767, 'w');
   CreateLists(*settings);
   for (const ReadMoment moment :
        {ReadMoment::kStartUp, ReadMoment::kMessage, ReadMoment::kDialog, ReadMoment::kWorker})
-    ReadProfile(path, moment, *settings, work);
+    ReadProfile(kPath, moment, *settings, work);
   for (const CatalogueRow& row : Catalogue()) {
     if (row.text != nullptr) {
       const std::span<char> field = row.text(*settings);
@@ -56,9 +58,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     host::Machine& machine = machines[i];
     const host::UseMachine use(machine);
     machine.version.platform_id = static_cast<DWORD>(i + 1);
-    const std::string path = folder.PathOf("p.ini");
-    Find(folder.path().c_str(), path);
-    ReadAll(path.c_str());
+    machine.files.MountDrive('C', folder.path());
+    Find();
+    ReadAll();
     Require(machine.handles.OpenObjects().empty());
   }
   return 0;
