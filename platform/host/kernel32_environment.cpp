@@ -11,22 +11,19 @@ using namespace host;
 
 namespace {
 
-// A name between two percent signs; what is none, or no variable, stays.
+// A name between two percent signs; one that no variable has stays, with both of them.
 std::string Expand(std::string_view text) {
   const auto& environment = CurrentMachine().environment;
   std::string expanded;
   while (!text.empty()) {
-    const std::size_t end = text[0] == '%' ? text.find('%', 1) : std::string_view::npos;
-    const auto variable = end == std::string_view::npos
-                              ? environment.end()
-                              : environment.find(std::string(text.substr(1, end - 1)));
-    if (variable != environment.end()) {
-      expanded += variable->second;
-      text.remove_prefix(end + 1);
-    } else {
-      expanded += text[0];
-      text.remove_prefix(1);
-    }
+    const std::size_t begin = text.find('%');
+    const std::size_t end = begin == text.npos ? text.npos : text.find('%', begin + 1);
+    if (end == text.npos) return expanded.append(text);
+    const auto variable = environment.find(std::string(text.substr(begin + 1, end - begin - 1)));
+    const bool known = variable != environment.end();
+    expanded += text.substr(0, known ? begin : end + 1);
+    if (known) expanded += variable->second;
+    text.remove_prefix(end + 1);
   }
   return expanded;
 }

@@ -6,6 +6,7 @@
 #include <cctype>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -72,21 +73,18 @@ std::string ProfilePath(const Machine& machine, LPCSTR file) {
   return machine.windows_folder + "\\" + std::string(name);
 }
 
-// A profile as it is now. One that can't be read has no sections.
 class Profile {
  public:
-  // The last error says why it can't be read, and is 0 otherwise.
-  explicit Profile(LPCSTR file) {
-    const Machine& machine = CurrentMachine();
-    std::string content;
-    const DWORD error = machine.files.ReadWhole(ProfilePath(machine, file), content);
-    SetLastError(error);
-    text_ = Decode(std::move(content));
-    Parse(machine.IsNt() ? SIZE_MAX : kSectionLimit);
+  Profile(const std::string& content, std::size_t section_limit)
+      : content_(content), section_limit_(section_limit), text_(Decode(content)) {
+    Parse();
   }
   Profile(const Profile&) = delete;
   Profile& operator=(const Profile&) = delete;
 
+  bool IsOf(std::string_view content, std::size_t section_limit) const {
+    return content_ == content && section_limit_ == section_limit;
+  }
   const std::vector<Section>& sections() const { return sections_; }
   // The first of several sections, or keys, of one name counts.
   const Section* Find(std::string_view name) const {
@@ -104,7 +102,7 @@ class Profile {
 
  private:
   // The lines before the first header make a section without a name.
-  void Parse(std::size_t section_limit) {
+  void Parse() {
     const std::string_view text = text_;
     constexpr std::string_view kBreaks = "\r\n";
     std::size_t section_begin = 0;
@@ -116,16 +114,33 @@ class Profile {
       if (const auto name = HeaderName(line)) {
         sections_.push_back({*name, {}});
         section_begin = end + 1;
-      } else if (!line.empty() && begin - section_begin < section_limit) {
+      } else if (!line.empty() && begin - section_begin < section_limit_) {
         sections_.back().lines.push_back(ParseLine(line));
       }
       begin = text.find_first_not_of(kBreaks, end);
     }
   }
 
+  std::string content_;  // of the file
+  std::size_t section_limit_;
   std::string text_;
   std::vector<Section> sections_ = std::vector<Section>(1);  // views of the text
 };
+
+// The profile as it is now; one that can't be read has no sections. The last error says why it
+// can't be read, and is 0 otherwise. A program asks for one key after the other, so the last
+// profile is kept, and only another content is taken apart again.
+std::shared_ptr<const Profile> ReadProfile(LPCSTR file) {
+  const Machine& machine = CurrentMachine();
+  std::string content;
+  SetLastError(machine.files.ReadWhole(ProfilePath(machine, file), content));
+  const std::size_t section_limit = machine.IsNt() ? SIZE_MAX : kSectionLimit;
+  thread_local std::shared_ptr<const Profile> last;
+  if (last == nullptr || !last->IsOf(content, section_limit)) {
+    last = std::make_shared<const Profile>(content, section_limit);
+  }
+  return last;
+}
 
 bool IsComment(const Line& line) {
   return line.key.starts_with(';');
@@ -197,14 +212,14 @@ std::string SectionLines(const Section* section) {
 DWORD GetString(LPCSTR section, LPCSTR key, LPCSTR fallback, LPSTR buffer, DWORD size,
                 LPCSTR file) {
   if (buffer == nullptr || size == 0) return 0;
-  const Profile profile(file);
-  if (section == nullptr) return GiveList(SectionNames(profile), buffer, size);
+  const std::shared_ptr<const Profile> profile = ReadProfile(file);
+  if (section == nullptr) return GiveList(SectionNames(*profile), buffer, size);
   std::string_view text = fallback == nullptr ? "" : fallback;
   if (key == nullptr) {
-    const std::string keys = KeyNames(profile.Find(section));
+    const std::string keys = KeyNames(profile->Find(section));
     return keys.empty() ? GiveText(text, buffer, size) : GiveList(keys, buffer, size);
   }
-  const std::optional<std::string_view> value = profile.Value(Trim(section), Trim(key));
+  const std::optional<std::string_view> value = profile->Value(Trim(section), Trim(key));
   if (value) {
     text = *value;
   } else {
@@ -277,5 +292,5 @@ DWORD WINAPI GetPrivateProfileSectionA(LPCSTR section, LPSTR buffer, DWORD size,
     SetLastError(ERROR_INVALID_PARAMETER);
     return 0;
   }
-  return GiveList(SectionLines(Profile(file).Find(section)), buffer, size);
+  return GiveList(SectionLines(ReadProfile(file)->Find(section)), buffer, size);
 }

@@ -243,6 +243,7 @@ void Describe(host::Machine& machine) {
   machine.windows_folder = "C:\\WINDOWS";
   machine.system_folder = "C:\\WINDOWS\\system32";
   machine.temp_folder = "C:\\TEMP\\";
+  machine.environment = {{"windir", machine.windows_folder}};
   machine.special_folders = {{CSIDL_PERSONAL, "C:\\Documents"},
                              {CSIDL_DESKTOPDIRECTORY, "C:\\Desktop"}};
   machine.hardware.memory = {6ULL << 30, 5ULL << 30, std::nullopt};

@@ -5,8 +5,10 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <functional>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "tests/contract/contract_machine.h"
 
@@ -168,6 +170,59 @@ TEST_F(SystemContract, Folders) {
                    row.read(text.data(), size));
       ExpectAnswer(name + ", behind size " + std::to_string(size), "~~~~", text.substr(size, 4));
     }
+  }
+}
+
+// A text into rooms of all sizes around the one that it needs.
+void ExpectFill(const std::string& row, const std::string& expected,
+                const std::function<DWORD(DWORD, char*)>& fill) {
+  const auto length = static_cast<DWORD>(expected.size());
+  ExpectAnswer(row + ", size query", length + 1, fill(0, nullptr));
+  std::string text(length + 9, '~');
+  fill(length + 1, text.data());
+  ExpectAnswer(row, expected, text.c_str());
+  text.assign(length + 9, '~');
+  ExpectAnswer(row + ", too short", length + 1, fill(length, text.data()));
+  ExpectAnswer(row + ", behind the buffer", "~~~~", text.substr(length, 4));
+}
+
+TEST_F(SystemContract, EnvironmentAndErrorMode) {
+  std::string windows(MAX_PATH, '~');
+  windows.resize(GetWindowsDirectoryA(windows.data(), MAX_PATH));
+  const std::pair<std::string, std::string> rows[] = {
+      {"no variable", "no variable"},
+      {"%WinDir%", windows},
+      {"a%windir%\\b%windir", "a" + windows + "\\b%windir"},
+      {"100% %no such%", "100% %no such%"},
+      {"%no such%windir%", "%no such%windir%"},
+      {"", ""}};
+  for (const auto& [text, expected] : rows) {
+    ExpectFill("'" + text + "'", expected, [&](DWORD size, char* buffer) {
+      return ExpandEnvironmentStringsA(text.c_str(), buffer, size);
+    });
+  }
+  const UINT before = SetErrorMode(SEM_NOOPENFILEERRORBOX);
+  ExpectAnswer("the mode set before", SEM_NOOPENFILEERRORBOX, SetErrorMode(before));
+  ExpectAnswer("win.ini without the key", 7, GetProfileIntA("hostscope", "none", 7));
+}
+
+// Over the layer the folder is one of Linux, with its separators.
+std::string WithBackslashes(std::string path) {
+  std::replace(path.begin(), path.end(), '/', '\\');
+  return path;
+}
+
+TEST_F(SystemContract, FullPaths) {
+  const std::pair<const char*, std::string> rows[] = {{"new.txt", place.Path("new.txt")},
+                                                      {"a\\..\\.\\b", place.Path("b")},
+                                                      {"C:\\a\\\\b.txt", "C:\\a\\b.txt"},
+                                                      {"C:/a/../../b", "C:\\b"}};
+  for (const auto& [path, expected] : rows) {
+    ExpectFill(path, WithBackslashes(expected), [&](DWORD size, char* buffer) {
+      const DWORD result = GetFullPathNameA(path, size, buffer, nullptr);
+      std::replace(buffer, buffer + size, '/', '\\');
+      return result;
+    });
   }
 }
 
