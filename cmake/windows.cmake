@@ -76,6 +76,12 @@ if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
     add_version_dll(v_refuses VERSION_SIZES=0 ${VERSION_RESOURCE})
     add_version_dll(v_silent "" ${VERSION_RESOURCE})
     add_version_dll(v_bare VERSION_SIZES=0)
+
+    # Stands in for a library that the program looks for on Windows 95/98/Me.
+    add_library(rsrc32 SHARED tests/windows/libraries/rsrc32.cpp)
+    set_target_properties(rsrc32 PROPERTIES PREFIX "")
+    target_link_options(rsrc32 PRIVATE -static)
+    add_dependencies(exe_tests rsrc32)
   endif()
 
   file(GLOB CONTRACT_SOURCES CONFIGURE_DEPENDS tests/contract/*.cpp)

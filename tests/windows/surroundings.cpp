@@ -47,6 +47,11 @@ void RemoveFolder(const std::string& path) {
 
 }  // namespace
 
+std::string BuiltFile(const std::string& name) {
+  const std::string program = ProgramUnderTest();
+  return program.substr(0, program.find_last_of("/\\") + 1) + name;
+}
+
 bool WaitUntil(const std::function<bool()>& condition, DWORD milliseconds) {
   const DWORD start = GetTickCount();
   while (!condition()) {

@@ -44,6 +44,9 @@ class Folder {
   std::string path_;
 };
 
+// The path of a file that the build has put beside the program under test.
+std::string BuiltFile(const std::string& name);
+
 // Sets one registry value and puts back what was there. A key that had to be made stays, empty.
 class RegistryValue {
  public:
