@@ -76,10 +76,10 @@ std::uint32_t VersionResource::FindTranslation() {
 
 void VersionResource::FindText(const char* item, std::span<char> text) {
   if (TextLength(item) > kLongestItem) return;
-  char table[32];
+  char table[32] = {};
   wsprintfA(table, "\\%s\\%08.8lX\\", "StringFileInfo",
             static_cast<unsigned long>(FindTranslation()));
-  char path[sizeof table + kLongestItem];
+  char path[sizeof table + kLongestItem] = {};
   wsprintfA(path, "%s%s", table, item);
   std::size_t stated_length = 0;
   const std::span<const char> value = Find(path, stated_length);
@@ -89,7 +89,7 @@ void VersionResource::FindText(const char* item, std::span<char> text) {
 }
 
 void FormatFileVersion(const FileVersion& version, std::span<char> text) {
-  char formatted[24];
+  char formatted[24] = {};
   wsprintfA(formatted, "%u.%u.%u.%u", HIWORD(version.most_significant),
             LOWORD(version.most_significant), HIWORD(version.least_significant),
             LOWORD(version.least_significant));
