@@ -3,300 +3,229 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "probes/system/page_files.h"
-#include "tests/support/system_lines.h"
+#include "tests/support/system_values.h"
 
 namespace hostscope {
 namespace {
 
+using host::Machine;
 using test::ReportRun;
-using test::SystemLines;
+using test::SystemValues;
 
-constexpr char kEnumRoot[] = "HKLM\\Enum\\Root";
-constexpr char kSystemKey[] = "HKLM\\HARDWARE\\DESCRIPTION\\System";
-constexpr char kMemoryKey[] =
-    "HKLM\\SYSTEM\\CurrentControlSet\\Control\\Session Manager\\Memory Management";
+// A machine with a drive C: whose files the test writes below "C".
+struct DiskRun : ReportRun {
+  explicit DiskRun(bool is_nt) {
+    folder().Write("C/WINDOWS/SYSTEM.INI", "");
+    machine().files.MountDrive('C', folder().path() / "C");
+    machine().windows_folder = "C:\\WINDOWS";
+    if (!is_nt) machine().version = {.major = 4, .minor = 10, .platform_id = 1};
+  }
+  ~DiskRun() {
+    for (const char* const kind : {"key", "device", "pages", "search"})
+      EXPECT_FALSE(machine().handles.OpenObjects().contains(kind)) << kind;
+  }
+  void HoldFile(const char* name, std::uint64_t size) {
+    folder().Write(std::string("C/") + name, "");
+    machine().files.StateSize(std::string("C:\\") + name, size);
+  }
+};
 
-void BecomeWindows98(ReportRun& run) {
-  run.machine().version = {.major = 4, .minor = 10, .build = 0x040A08AE, .platform_id = 1};
-  run.machine().windows_folder = "C:\\WINDOWS";
-  run.folder().Write("C/WINDOWS/win.ini", "");
-  run.machine().files.MountDrive('C', run.folder().path() / "C");
-}
-
-std::string Bytes(const char* text) {
-  return std::string(text) + '\0';
+TEST(HardwareItems, ProgressLines) {
+  DiskRun run(false);
+  std::string keys;
+  for (const char* const key : {"BIOSVersion", "ProcessorsCount", "ProcessorName", "ProcessorSpeed",
+                                "CoProcessor", "MMX", "3DNow", "Extended3DNow", "SSE", "SSE2",
+                                "MemoryUsage", "PhysicalMemory", "Pagefiles", "FreeUserResources"})
+    keys += std::string(key) + "=1\r\n";
+  run.Run("[SYSTEM]\r\n" + keys);
+  const std::vector<std::string> expected = {
+      "BIOS vesion...           Failed", "Number of processors...  Ok",
+      "Processor name...        Ok",     "Processor speed...       Ok",
+      "Coprocessor...           Ok",     "MMX support...           Ok",
+      "3DNow support...         Ok",     "Extended 3DNow...        Ok",
+      "SSE support...           Ok",     "SSE2 support...          Ok",
+      "Memory usage...          Ok",     "Physical memory...       Ok",
+      "Pagefile space...        Ok",     "Free resources...        Ok"};
+  EXPECT_EQ(run.Progress(), expected);
 }
 
 TEST(BiosVersion, OfBothFamilies) {
-  struct Row {
-    const char* what;
+  const std::string system = "HKLM\\HARDWARE\\DESCRIPTION\\System";
+  const std::string root = "HKLM\\Enum\\Root\\";
+  const std::string second = root + "*PNP0C01 with a long name";
+  const auto describe_9x = [&](Machine& machine) {
+    machine.registry.MakeKey(root + "EMPTY");
+    machine.registry.SetValue(root + "FIRST", "BIOSVersion", REG_SZ, "too high up");
+    machine.registry.SetValue(root + "FIRST\\0000", "BIOSDate", REG_SZ, "no version");
+    machine.registry.SetValue(second + "\\0000", "BIOSVersion", REG_SZ, "1");
+    machine.registry.SetValue(second + "\\0000", "BIOSDate", REG_SZ, "2");
+    machine.registry.SetValue(root + "THIRD\\0000", "BIOSVersion", REG_SZ, "3");
+  };
+  const auto describe_nt = [&](const std::string& version, const char* date) {
+    return [=](Machine& machine) {
+      if (!version.empty())
+        machine.registry.SetValue(system, "SystemBiosVersion", REG_MULTI_SZ, version);
+      machine.registry.SetValue(system, "SystemBiosDate", REG_SZ, date);
+    };
+  };
+  const auto broken_9x = [&](const char* call) {
+    return [=](Machine& machine) {
+      describe_9x(machine);
+      machine.faults.FailAlways(call, ERROR_ACCESS_DENIED);
+    };
+  };
+  const struct {
     bool is_nt;
-    std::function<void(host::Machine&)> describe;
-    const char* text;  // null: failed
-  };
-  const auto set = [](host::Machine& machine, const std::string& key, const char* name,
-                      const char* text) {
-    machine.registry.SetValue(key, name, REG_SZ, Bytes(text));
-  };
-  const auto describe_9x = [&](host::Machine& machine) {
-    machine.registry.MakeKey(std::string(kEnumRoot) + "\\EMPTY");
-    set(machine, std::string(kEnumRoot) + "\\FIRST", "BIOSVersion", "too high up");
-    set(machine, std::string(kEnumRoot) + "\\FIRST\\0000", "BIOSDate", "no version");
-    set(machine, std::string(kEnumRoot) + "\\*PNP0C01 with a long name\\0000", "BIOSVersion", "1");
-    set(machine, std::string(kEnumRoot) + "\\*PNP0C01 with a long name\\0000", "BIOSDate", "2");
-    set(machine, std::string(kEnumRoot) + "\\THIRD\\0000", "BIOSVersion", "3");
-  };
-  const std::string long_text(2000, 'x');
-  const std::string cut(1023, 'x');
-  const Row rows[] = {
-      {"NT, several lines", true,
-       [&](auto& machine) {
-         machine.registry.SetValue(kSystemKey, "SystemBiosVersion", REG_MULTI_SZ,
-                                   std::string("V1\0V2\0\0", 7));
-         set(machine, kSystemKey, "SystemBiosDate", "01/02/03");
-       },
-       "V1 (01/02/03)"},
-      {"NT, no terminator, no date", true,
-       [&](auto& machine) {
-         machine.registry.SetValue(kSystemKey, "SystemBiosVersion", REG_BINARY, "V1");
-       },
-       "V1"},
-      {"NT, overlong", true,
-       [&](auto& machine) {
-         set(machine, kSystemKey, "SystemBiosVersion", long_text.c_str());
-         set(machine, kSystemKey, "SystemBiosDate", "01/02/03");
-       },
-       cut.c_str()},
-      {"NT, a date only", true,
-       [&](auto& machine) {
-         set(machine, kSystemKey, "SystemBiosDate", "01/02/03");
+    std::function<void(Machine&)> describe;
+    std::string value;
+  } rows[] = {
+      {true, describe_nt(std::string("V1\0V2\0\0", 7), "01/02/03"), "V1 (01/02/03)|"},
+      {true, describe_nt("V1", ""), "V1|"},
+      {true, describe_nt(std::string(2000, 'x'), "01/02/03"), std::string(1023, 'x') + "|"},
+      {true, describe_nt("", "01/02/03"), "|Failed"},
+      {true, describe_9x, "|Failed"},
+      {false, describe_9x, "1 (2)|"},
+      {false, broken_9x("RegQueryInfoKeyA"), "1 (2)|"},
+      {false, broken_9x("RegEnumKeyA"), "|Failed"},
+      {false, describe_nt("V1", "01/02/03"), "|Failed"},
+      {false,
+       [&](Machine& machine) {
          describe_9x(machine);
+         machine.registry.DenyAccess(second, ERROR_ACCESS_DENIED);
        },
-       nullptr},
-      {"9x, the first of several", false, describe_9x, "1 (2)"},
-      {"9x, the key does not tell its longest name", false,
-       [&](auto& machine) {
-         describe_9x(machine);
-         machine.faults.FailAlways("RegQueryInfoKeyA", ERROR_ACCESS_DENIED);
-       },
-       "1 (2)"},
-      {"9x, a device that does not open", false,
-       [&](auto& machine) {
-         describe_9x(machine);
-         machine.registry.DenyAccess("HKLM\\Enum\\Root\\*PNP0C01 with a long name", 5);
-       },
-       "3"},
-      {"9x, no root", false, [](auto&) {}, nullptr},
-      {"9x, no enumeration", false,
-       [&](auto& machine) {
-         describe_9x(machine);
-         machine.faults.FailAlways("RegEnumKeyA", ERROR_ACCESS_DENIED);
-       },
-       nullptr},
+       "3|"},
   };
-  for (const Row& row : rows) {
-    ReportRun run;
-    if (!row.is_nt) BecomeWindows98(run);
+  for (const auto& row : rows) {
+    DiskRun run(row.is_nt);
     row.describe(run.machine());
-    const std::string text = row.text == nullptr ? "" : row.text;
-    EXPECT_EQ(SystemLines(run, "BIOSVersion"), "BIOS vesion                " + text + "\n" +
-                                                   "[BIOS vesion...           " +
-                                                   (row.text == nullptr ? "Failed]" : "Ok]"))
-        << row.what;
-    EXPECT_FALSE(run.machine().handles.OpenObjects().contains("key")) << row.what;
+    EXPECT_EQ(SystemValues(run, "BIOSVersion=1\r\n"), row.value) << &row - rows;
   }
 }
 
 TEST(Memory, WiderCallWhereThereIsIt) {
-  struct Row {
+  constexpr std::uint64_t kGigabyte = 1024 * 1024 * 1024;
+  const struct {
     DWORD platform, major;
     std::uint64_t total, available;
     const char* broken;
-    const char* text;
+    const char* values;
+  } rows[] = {
+      {2, 5, 24 * kGigabyte, 6 * kGigabyte, "Sleep", "75%|total 24576 Mb, available 6144 Mb|"},
+      {2, 5, 24 * kGigabyte, kGigabyte, "GlobalMemoryStatusEx",
+       "95%|total 2047 Mb, available 1024 Mb|"},
+      {2, 4, kGigabyte, kGigabyte / 2 - 1, "Sleep", "50%|total 1024 Mb, available 511 Mb|"},
+      {1, 4, 0xFFFFFFFF, 0x000FFFFF, "Sleep", "99%|total 4095 Mb, available 0 Mb|"},
+      {1, 4, 1, 1, "GlobalMemoryStatus", "0%|total 0 Mb, available 0 Mb|"},
   };
-  constexpr std::uint64_t kGigabyte = 1024 * 1024 * 1024;
-  const Row rows[] = {
-      {2, 5, 24 * kGigabyte, 6 * kGigabyte, nullptr, "75%| 24576 6144"},
-      {2, 5, 24 * kGigabyte, 6 * kGigabyte, "GlobalMemoryStatusEx", "75%| 2047 2047"},
-      {2, 4, kGigabyte, kGigabyte / 2 - 1, nullptr, "50%| 1024 511"},
-      {1, 4, 0xFFFFFFFF, 0x000FFFFF, nullptr, "99%| 4095 0"},
-      {1, 4, 0xFFFFFFFF, 0x000FFFFF, "GlobalMemoryStatus", "0%| 0 0"},
-  };
-  for (const Row& row : rows) {
-    ReportRun run;
+  for (const auto& row : rows) {
+    DiskRun run(true);
     run.machine().version.platform_id = row.platform;
     run.machine().version.major = row.major;
     run.machine().hardware.memory = {row.total, row.available, std::nullopt};
-    if (row.broken != nullptr) run.machine().faults.FailAlways(row.broken, 5);
-    const std::string text = row.text;
-    const std::size_t bar = text.find('|');
-    const std::size_t blank = text.rfind(' ');
-    EXPECT_EQ(SystemLines(run, "MemoryUsage PhysicalMemory"),
-              "Memory usage               " + text.substr(0, bar) +
-                  "\nPhysical memory            total" + text.substr(bar + 1, blank - bar - 1) +
-                  " Mb, available" + text.substr(blank) +
-                  " Mb\n[Memory usage...          Ok][Physical memory...       Ok]")
-        << row.text;
+    run.machine().faults.FailAlways(row.broken, ERROR_ACCESS_DENIED);
+    EXPECT_EQ(SystemValues(run, "MemoryUsage=1\r\nPhysicalMemory=1\r\n"), row.values);
   }
 }
 
 TEST(PageFiles, OfNt) {
-  struct Row {
-    std::string list;
-    std::string lines;
-  };
-  const std::string label = "Pagefile space             ";
-  const std::string empty(27, ' ');
   const std::string deep = "C:\\" + std::string(300, 'd');
-  const Row rows[] = {
-      {Bytes("C:\\pagefile.sys 384 768"),
-       label + "C:\\pagefile.sys, size 385 Mb, min 384 Mb, max 768 Mb\n"},
-      {std::string("C:\\PAGEFILE.SYS 1 2\0D:\\pagefile.sys 3 4\0\0", 41),
-       label + "C:\\PAGEFILE.SYS, size 385 Mb, min 1 Mb, max 2 Mb\n"},
-      {Bytes("C:\\pagefile.sys 100 200 D:\\pagefile.sys 50 80"),
-       label + "C:\\pagefile.sys, size 385 Mb, min 100 Mb, max 200 Mb\n" + empty +
-           "D:\\pagefile.sys, size 0 Mb, min 50 Mb, max 80 Mb\n"},
-      {Bytes("E:\\p 1 2 C:\\big.sys"), label + "E:\\p, size 0 Mb, min 1 Mb, max 2 Mb\n" + empty +
-                                           "C:\\big.sys, size 5000 Mb, min  Mb, max  Mb\n"},
-      {"one", label + "one, size 0 Mb, min  Mb, max  Mb\n"},  // and no terminator
-      {Bytes("a  b "), label + "a, size 0 Mb, min  Mb, max b Mb\n"},
-      {Bytes((deep + " 123456789012345678901234567890 2").c_str()),
-       label + deep.substr(0, 259) + ", size 0 Mb, min 12345678901234567890 Mb, max 2 Mb\n"},
-      {Bytes(""), ""},
+  const std::string key =
+      "HKLM\\SYSTEM\\CurrentControlSet\\Control\\Session Manager\\Memory Management";
+  const std::pair<std::string, std::string> rows[] = {
+      {std::string("C:\\PAGEFILE.SYS 384 768\0D:\\p 3 4\0\0", 33),
+       "C:\\PAGEFILE.SYS, size 385 Mb, min 384 Mb, max 768 Mb|"},
+      {"C:\\pagefile.sys 100 200 D:\\pagefile.sys 50 80",
+       "C:\\pagefile.sys, size 385 Mb, min 100 Mb, max 200 Mb|"
+       "D:\\pagefile.sys, size 0 Mb, min 50 Mb, max 80 Mb|"},
+      {"a  b C:\\big.sys",
+       "a, size 0 Mb, min  Mb, max b Mb|"
+       "C:\\big.sys, size 5000 Mb, min  Mb, max  Mb|"},
+      {"a 1 2 ", "a, size 0 Mb, min 1 Mb, max 2 Mb|"},
+      {deep + " 123456789012345678901234567890 2",
+       deep.substr(0, 259) + ", size 0 Mb, min 12345678901234567890 Mb, max 2 Mb|"},
+      {std::string(1, '\0'), ""},
+      {"", "|Failed"},  // no value
   };
-  for (const Row& row : rows) {
-    ReportRun run;
-    run.folder().Write("C/pagefile.sys", "");
-    run.folder().Write("C/big.sys", "");
-    run.machine().files.MountDrive('C', run.folder().path() / "C");
-    run.machine().files.StateSize("C:\\pagefile.sys", (386ULL << 20) - 1);
-    run.machine().files.StateSize("C:\\big.sys", 5000ULL << 20);
-    run.machine().registry.SetValue(kMemoryKey, "PagingFiles", REG_MULTI_SZ, row.list);
-    EXPECT_EQ(SystemLines(run, "Pagefiles"), row.lines + "[Pagefile space...        Ok]")
-        << row.list;
-    EXPECT_FALSE(run.machine().handles.OpenObjects().contains("search"));
+  for (const auto& [list, values] : rows) {
+    DiskRun run(true);
+    run.HoldFile("pagefile.sys", (386ULL << 20) - 1);
+    run.HoldFile("big.sys", 5000ULL << 20);
+    if (!list.empty()) run.machine().registry.SetValue(key, "PagingFiles", REG_MULTI_SZ, list);
+    EXPECT_EQ(SystemValues(run, "Pagefiles=1\r\n"), values) << list;
   }
-  ReportRun run;
-  EXPECT_EQ(SystemLines(run, "Pagefiles"), label + "\n[Pagefile space...        Failed]");
-}
-
-TEST(PageFiles, EveryCallFillsTheListAnew) {
-  ReportRun run;
-  run.machine().registry.SetValue(kMemoryKey, "PagingFiles", REG_MULTI_SZ, Bytes("a 1 2"));
-  const std::string line = "Pagefile space             a, size 0 Mb, min 1 Mb, max 2 Mb\r\n";
-  const Item item = {.progress_label = "Pagefile space...", .write_lines = WritePageFiles};
-  run.RunItems({item, item});
-  EXPECT_EQ(run.Report(), line + line);
+  DiskRun run(true);
+  run.machine().registry.SetValue(key, "PagingFiles", REG_MULTI_SZ, "a 1 2 b 3 4");
+  ProbeContext context;
+  EXPECT_TRUE(ReadPageFiles(context) && ReadPageFiles(context));
+  EXPECT_EQ(context.page_files.count(), 2) << "each call fills the list anew";
 }
 
 TEST(PageFiles, OfWindows98) {
-  struct Row {
-    const char* what;
+  const host::SwapFile swap_file = {"D:\\WIN386.SWP", (1ULL << 32) + 0x1FF};
+  const std::string guess = "C:\\WINDOWS\\Win386.swp size 0 min ? max ?";
+  const struct {
     std::optional<host::SwapFile> swap_file;
     const char* settings;  // of [386Enh]
-    std::function<void(host::Machine&)> change;
-    std::string line;
+    const char* broken;
+    std::string expected;
+  } rows[] = {
+      {swap_file, "PagingDrive=C:\nMinPagingFileSize=131072\n", "Sleep",
+       "D:\\WIN386.SWP size 16777217 min 128 max ?"},
+      {host::SwapFile{}, "PagingDrive=C:\n", "Sleep", "C:\\Win386.swp size 77 min ? max ?"},
+      {swap_file, "", "DeviceIoControl", guess},
+      {swap_file, "", "CreateFileA", guess},
+      {swap_file, "", "VirtualAlloc", guess},
+      {std::nullopt, "MinPagingFileSize=5\n", "GetPrivateProfileStringA", guess},
+      {std::nullopt, "", "GetWindowsDirectoryA", "\\Win386.swp size 77 min ? max ?"},
+      {std::nullopt, "MinPagingFileSize=0x1000\nMaxPagingFileSize=-1\n", "Sleep",
+       "C:\\WINDOWS\\Win386.swp size 0 min 4 max 4194303"},
+      {std::nullopt, "MinPagingFileSize=\nMaxPagingFileSize=123456789012345678901\n", "Sleep",
+       "C:\\WINDOWS\\Win386.swp size 0 min 0 max 3852226"},
   };
-  const host::SwapFile swap_file = {"D:\\SWAP\\WIN386.SWP", (1ULL << 32) + 0x1FF};
-  const std::string guess = "C:\\WINDOWS\\Win386.swp, size 0 Mb, min ? Mb, max ? Mb";
-  const std::string long_path = "E:\\" + std::string(300, 'f');
-  const auto fails = [](const char* call) {
-    return [call](host::Machine& machine) { machine.faults.FailAlways(call, 5); };
-  };
-  const Row rows[] = {
-      {"the device tells",
-       swap_file,
-       "PagingDrive=C:\nMinPagingFileSize=131072\n",
-       {},
-       "D:\\SWAP\\WIN386.SWP, size 16777217 Mb, min 128 Mb, max ? Mb"},
-      {"the device knows no name",
-       host::SwapFile{"", 5},
-       "PagingDrive=C:\n",
-       {},
-       "C:\\Win386.swp, size 77 Mb, min ? Mb, max ? Mb"},
-      {"the device refuses", swap_file, "", fails("DeviceIoControl"), guess},
-      {"the device does not open", swap_file, "", fails("CreateFileA"), guess},
-      {"no memory below 4 GB", swap_file, "", fails("VirtualAlloc"), guess},
-      {"no device",
-       std::nullopt,
-       "MinPagingFileSize=0x1000\nMaxPagingFileSize=-1\n",
-       {},
-       "C:\\WINDOWS\\Win386.swp, size 0 Mb, min 4 Mb, max 4194303 Mb"},
-      {"odd settings",
-       std::nullopt,
-       "MinPagingFileSize=\nMaxPagingFileSize=123456789012345678901\n",
-       {},
-       "C:\\WINDOWS\\Win386.swp, size 0 Mb, min 0 Mb, max 3852226 Mb"},
-      {"no Windows folder", std::nullopt, "", fails("GetWindowsDirectoryA"),
-       "\\Win386.swp, size 77 Mb, min ? Mb, max ? Mb"},
-      {"no settings", std::nullopt, "MinPagingFileSize=5\n", fails("GetPrivateProfileStringA"),
-       guess},
-  };
-  for (const Row& row : rows) {
-    ReportRun run;
-    BecomeWindows98(run);
-    run.folder().Write("C/WIN386.SWP", "");
-    run.machine().files.StateSize("C:\\WIN386.SWP", 77ULL << 20);
+  for (const auto& row : rows) {
+    DiskRun run(false);
+    run.HoldFile("WIN386.SWP", 77ULL << 20);
     run.folder().Write("C/WINDOWS/SYSTEM.INI", std::string("[386enh]\n") + row.settings);
     run.machine().hardware.swap_file = row.swap_file;
-    // Not a whole run, which would meet the failing calls as well.
-    if (row.change) row.change(run.machine());
+    run.machine().faults.FailAlways(row.broken, ERROR_ACCESS_DENIED);
     ProbeContext context;
-    ASSERT_TRUE(ReadPageFiles(context)) << row.what;
-    ASSERT_EQ(context.page_files.count(), 1) << row.what;
+    ASSERT_TRUE(ReadPageFiles(context)) << row.broken;
+    ASSERT_EQ(context.page_files.count(), 1) << row.broken;
     const auto& file = *context.page_files.GetAs<PageFileRecord>(0);
-    EXPECT_EQ(std::string(file.name) + ", size " + file.size + " Mb, min " + file.minimum +
-                  " Mb, max " + file.maximum + " Mb",
-              row.line)
-        << row.what;
-    for (const char* const kind : {"device", "pages", "search"})
-      EXPECT_FALSE(run.machine().handles.OpenObjects().contains(kind)) << row.what << " " << kind;
+    EXPECT_EQ(std::string(file.name) + " size " + file.size + " min " + file.minimum + " max " +
+                  file.maximum,
+              row.expected)
+        << row.broken;
   }
 }
 
 TEST(FreeResources, OneLineForEachKindThatIsOn) {
-  const std::string label = "Free resources             ";
-  const std::string empty(27, ' ');
-  constexpr char kAll[] = "FreeSystemResources FreeGDIResources FreeUserResources";
-  struct Row {
-    const char* what;
-    bool is_nt;
-    const char* keys;
-    std::function<void(host::Machine&)> change;
-    std::string lines;
+  const std::string all = "FreeSystemResources=1\r\nFreeGDIResources=1\r\nFreeUserResources=1\r\n";
+  const std::string none = "System         :  |GDI            :  |User           :  |";
+  const std::string function = "_MyGetFreeSystemResources32@4";
+  const struct {
+    bool is_nt, has_library, has_function;
+    std::string keys, values;
+  } rows[] = {
+      {false, true, true, all,
+       "System         :  70%|GDI            :  71%|User           :  72%|"},
+      {false, true, true, "FreeGDIResources=1\r\n", "GDI            :  71%|"},
+      {true, true, true, all, none},
+      {false, false, true, all, none},
+      {false, true, false, all, none},
   };
-  const auto state = [](host::Machine& machine) {
-    for (const unsigned kind : {0U, 1U, 2U})
-      host::StateFreeResources(machine, kind, 70 + kind);
-  };
-  const std::string no_figures = label + "System         :  \n" + empty + "GDI            :  \n" +
-                                 empty + "User           :  \n";
-  const Row rows[] = {
-      {"all", false, kAll, state,
-       label + "System         :  70%\n" + empty + "GDI            :  71%\n" + empty +
-           "User           :  72%\n"},
-      {"one", false, "FreeGDIResources", state, label + "GDI            :  71%\n"},
-      {"NT", true, kAll, state, no_figures},
-      {"no library", false, kAll, [](auto&) {}, no_figures},
-      {"no function", false, kAll,
-       [&](auto& machine) {
-         state(machine);
-         machine.libraries.RemoveExport("RSRC32.DLL", "_MyGetFreeSystemResources32@4");
-       },
-       no_figures},
-  };
-  for (const Row& row : rows) {
-    ReportRun run;
-    if (!row.is_nt) BecomeWindows98(run);
-    row.change(run.machine());
-    EXPECT_EQ(SystemLines(run, row.keys), row.lines + "[Free resources...        Ok]") << row.what;
-    EXPECT_EQ(run.machine().libraries.References("RSRC32.DLL"), 0u) << row.what;
-    EXPECT_EQ(run.machine().faults.CallCount("_MyGetFreeSystemResources32@4"),
-              static_cast<unsigned>(std::count(row.lines.begin(), row.lines.end(), '%')))
-        << row.what;
+  for (const auto& row : rows) {
+    DiskRun run(row.is_nt);
+    for (unsigned kind = 0; row.has_library && kind < 3; ++kind)
+      host::StateFreeResources(run.machine(), kind, 70 + kind);
+    if (!row.has_function) run.machine().libraries.RemoveExport("RSRC32.DLL", function);
+    EXPECT_EQ(SystemValues(run, row.keys), row.values);
+    EXPECT_NE(run.Report().find("\r\nFree resources             "), std::string::npos);
+    EXPECT_EQ(run.machine().libraries.References("RSRC32.DLL"), 0u);
+    EXPECT_EQ(run.machine().faults.CallCount(function), row.values == none ? 0u
+                                                        : row.keys == all  ? 3u
+                                                                           : 1u);
   }
 }
 
