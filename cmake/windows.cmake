@@ -24,12 +24,6 @@ if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
   if(EXE_TEST_SOURCES)
     add_ordinary_exe(exe_tests ${EXE_TEST_SOURCES})
     target_link_libraries(exe_tests PRIVATE GTest::gtest_main)
-
-    # Stands in for a library that the program looks for on Windows 95/98/Me.
-    add_library(rsrc32 SHARED tests/windows/libraries/rsrc32.cpp)
-    set_target_properties(rsrc32 PROPERTIES PREFIX "")
-    target_link_options(rsrc32 PRIVATE -static)
-    add_dependencies(exe_tests rsrc32)
   endif()
 
   file(GLOB CONTRACT_SOURCES CONFIGURE_DEPENDS tests/contract/*.cpp)
@@ -37,4 +31,12 @@ if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
     add_ordinary_exe(contract_tests ${CONTRACT_SOURCES})
     target_link_libraries(contract_tests PRIVATE GTest::gtest_main)
   endif()
+endif()
+
+# Stands in for a library that the program looks for on Windows 95/98/Me.
+if(TARGET exe_tests)
+  add_library(rsrc32 SHARED tests/windows/libraries/rsrc32.cpp)
+  set_target_properties(rsrc32 PROPERTIES PREFIX "")
+  target_link_options(rsrc32 PRIVATE -static)
+  add_dependencies(exe_tests rsrc32)
 endif()

@@ -21,8 +21,8 @@ inline constexpr DWORD FILE_ATTRIBUTE_SYSTEM = 0x4;
 inline constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
 inline constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;
 inline constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
-inline constexpr DWORD FILE_FLAG_DELETE_ON_CLOSE = 0x04000000;
 inline constexpr DWORD FILE_FLAG_SEQUENTIAL_SCAN = 0x08000000;
+inline constexpr DWORD FILE_FLAG_DELETE_ON_CLOSE = 0x04000000;
 inline constexpr DWORD INVALID_FILE_SIZE = 0xFFFFFFFF;
 inline constexpr DWORD INVALID_SET_FILE_POINTER = 0xFFFFFFFF;
 inline constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFF;
@@ -194,11 +194,6 @@ HANDLE WINAPI FindFirstFileA(LPCSTR pattern, LPWIN32_FIND_DATAA data);
 BOOL WINAPI FindNextFileA(HANDLE search, LPWIN32_FIND_DATAA data);
 BOOL WINAPI FindClose(HANDLE search);
 
-// ---- devices: kernel32_devices.cpp ----
-
-BOOL WINAPI DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_size, LPVOID out,
-                            DWORD out_size, LPDWORD returned, LPOVERLAPPED overlapped);
-
 // ---- private profiles: kernel32_profile.cpp ----
 
 UINT WINAPI GetPrivateProfileIntA(LPCSTR section, LPCSTR key, INT fallback, LPCSTR file);
@@ -221,13 +216,6 @@ DWORD WINAPI GetLastError();
 void WINAPI SetLastError(DWORD error);
 int WINAPI MulDiv(int number, int numerator, int denominator);
 
-// ---- processors and memory: kernel32_hardware.cpp ----
-
-void WINAPI GetSystemInfo(LPSYSTEM_INFO info);
-void WINAPI GlobalMemoryStatus(LPMEMORYSTATUS status);
-// Of NT from Windows 2000 on.
-BOOL WINAPI GlobalMemoryStatusEx(LPMEMORYSTATUSEX status);
-
 // ---- texts: kernel32_text.cpp ----
 
 int WINAPI lstrlenA(LPCSTR text);
@@ -247,6 +235,18 @@ SIZE_T WINAPI HeapSize(HANDLE heap, DWORD flags, LPCVOID block);
 // As in a 32-bit process, every address fits in 32 bits. Whole blocks only.
 LPVOID WINAPI VirtualAlloc(LPVOID address, SIZE_T size, DWORD kind, DWORD protection);
 BOOL WINAPI VirtualFree(LPVOID address, SIZE_T size, DWORD kind);
+
+// ---- devices: kernel32_devices.cpp ----
+
+BOOL WINAPI DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_size, LPVOID out,
+                            DWORD out_size, LPDWORD returned, LPOVERLAPPED overlapped);
+
+// ---- processors and memory: kernel32_hardware.cpp ----
+
+void WINAPI GetSystemInfo(LPSYSTEM_INFO info);
+void WINAPI GlobalMemoryStatus(LPMEMORYSTATUS status);
+// Of NT from Windows 2000 on.
+BOOL WINAPI GlobalMemoryStatusEx(LPMEMORYSTATUSEX status);
 
 // ---- threads: kernel32_threads.cpp ----
 

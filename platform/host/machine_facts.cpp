@@ -144,6 +144,73 @@ string_view TakeItem(string_view& text, char separator) {
   return item;
 }
 
+std::string ReadLibrary(Machine& machine, string_view key, string_view value) {
+  if (value == "present") {
+    machine.libraries.Add(Library{std::string(key), false, {}, {}, ""});
+    return "";
+  }
+  if (value == "absent") {
+    machine.libraries.Remove(key);
+    return "";
+  }
+  if (TakeItem(value, ' ') != "without" || value.empty()) {
+    return "the value is neither \"present\", \"absent\" nor \"without\" and names of functions";
+  }
+  while (!value.empty()) {
+    const string_view function = TakeItem(value, ',');
+    if (function.empty()) return "the name of a function is missing";
+    machine.libraries.RemoveExport(key, function);
+  }
+  return "";
+}
+
+std::string ReadDeniedKey(Machine& machine, string_view key, string_view value) {
+  const std::optional<Hive> hive = HiveByName(key.substr(0, key.find('\\')));
+  if (!hive) return "the key is no path that begins with a hive";
+  // Which key that is may be stated further down.
+  if (hive == Hive::kCurrentUser) return "a key of the user is stated below HKU";
+  const auto error = static_cast<DWORD>(Number(value).value_or(0));
+  if (error == 0) return "the value is no error code";
+  machine.registry.DenyAccess(key, error);
+  return "";
+}
+
+struct Fault {
+  DWORD call = 0;  // 0: every call
+  DWORD error = 0;
+};
+
+// "always ERROR" or "call NUMBER ERROR".
+std::optional<Fault> ParseFault(string_view text) {
+  Fault fault;
+  const string_view when = TakeItem(text, ' ');
+  if (when == "call") {
+    fault.call = static_cast<DWORD>(Number(TakeItem(text, ' ')).value_or(0));
+    if (fault.call == 0) return std::nullopt;
+  } else if (when != "always") {
+    return std::nullopt;
+  }
+  fault.error = static_cast<DWORD>(Number(TakeItem(text, ' ')).value_or(0));
+  if (fault.error == 0 || !text.empty()) return std::nullopt;
+  return fault;
+}
+
+std::string ReadFault(Machine& machine, string_view key, string_view value) {
+  if (!IsLayerFunction(key)) return "the layer has no function of that name";
+  do {
+    const std::optional<Fault> fault = ParseFault(TakeItem(value, ','));
+    if (!fault) {
+      return "the value is neither \"always ERROR\" nor \"call NUMBER ERROR\" nor a list of these";
+    }
+    if (fault->call == 0) {
+      machine.faults.FailAlways(key, fault->error);
+    } else {
+      machine.faults.FailNth(key, fault->call, fault->error);
+    }
+  } while (!value.empty());
+  return "";
+}
+
 std::string ReadProcessorAge(Machine& machine, string_view, string_view value) {
   using hostscope::ProcessorAge;
   constexpr std::pair<string_view, ProcessorAge> kAges[] = {
@@ -240,73 +307,6 @@ std::string ReadFreeResources(Machine& machine, string_view, string_view value) 
   return reason;
 }
 
-std::string ReadLibrary(Machine& machine, string_view key, string_view value) {
-  if (value == "present") {
-    machine.libraries.Add(Library{std::string(key), false, {}, {}, ""});
-    return "";
-  }
-  if (value == "absent") {
-    machine.libraries.Remove(key);
-    return "";
-  }
-  if (TakeItem(value, ' ') != "without" || value.empty()) {
-    return "the value is neither \"present\", \"absent\" nor \"without\" and names of functions";
-  }
-  while (!value.empty()) {
-    const string_view function = TakeItem(value, ',');
-    if (function.empty()) return "the name of a function is missing";
-    machine.libraries.RemoveExport(key, function);
-  }
-  return "";
-}
-
-std::string ReadDeniedKey(Machine& machine, string_view key, string_view value) {
-  const std::optional<Hive> hive = HiveByName(key.substr(0, key.find('\\')));
-  if (!hive) return "the key is no path that begins with a hive";
-  // Which key that is may be stated further down.
-  if (hive == Hive::kCurrentUser) return "a key of the user is stated below HKU";
-  const auto error = static_cast<DWORD>(Number(value).value_or(0));
-  if (error == 0) return "the value is no error code";
-  machine.registry.DenyAccess(key, error);
-  return "";
-}
-
-struct Fault {
-  DWORD call = 0;  // 0: every call
-  DWORD error = 0;
-};
-
-// "always ERROR" or "call NUMBER ERROR".
-std::optional<Fault> ParseFault(string_view text) {
-  Fault fault;
-  const string_view when = TakeItem(text, ' ');
-  if (when == "call") {
-    fault.call = static_cast<DWORD>(Number(TakeItem(text, ' ')).value_or(0));
-    if (fault.call == 0) return std::nullopt;
-  } else if (when != "always") {
-    return std::nullopt;
-  }
-  fault.error = static_cast<DWORD>(Number(TakeItem(text, ' ')).value_or(0));
-  if (fault.error == 0 || !text.empty()) return std::nullopt;
-  return fault;
-}
-
-std::string ReadFault(Machine& machine, string_view key, string_view value) {
-  if (!IsLayerFunction(key)) return "the layer has no function of that name";
-  do {
-    const std::optional<Fault> fault = ParseFault(TakeItem(value, ','));
-    if (!fault) {
-      return "the value is neither \"always ERROR\" nor \"call NUMBER ERROR\" nor a list of these";
-    }
-    if (fault->call == 0) {
-      machine.faults.FailAlways(key, fault->error);
-    } else {
-      machine.faults.FailNth(key, fault->call, fault->error);
-    }
-  } while (!value.empty());
-  return "";
-}
-
 constexpr bool kRequired = true;
 
 constexpr Fact kFacts[] = {
@@ -323,18 +323,6 @@ constexpr Fact kFacts[] = {
     {"Clock", "LocalTime", Read<&Machine::local_time>},
     {"Clock", "TickCount", Read<&Machine::tick_count>},
     {"Computer", "Name", Read<&Machine::computer_name>},
-    {"User", "Name", Read<&Machine::user, &User::name>},
-    {"User", "Account", Read<&Machine::user, &User::account>},
-    {"User", "Domain", Read<&Machine::user, &User::domain>},
-    {"User", "Imitated", Read<&Machine::user, &User::imitated>},
-    {"User", "Sid", ReadSid},
-    {"User", "RegistryKey", Read<&Machine::user, &User::registry_key>},
-    {"Locale", "Language", Read<&Machine::locale, &Locale::language>},
-    {"Locale", "EnglishLanguage", Read<&Machine::locale, &Locale::english_language>},
-    {"Folders", "Windows", Read<&Machine::windows_folder>},
-    {"Folders", "System", Read<&Machine::system_folder>},
-    {"Folders", "Temp", Read<&Machine::temp_folder>},
-    {"SpecialFolders", "*", ReadSpecialFolder},
     {"Processor", "Count", Read<&Machine::hardware, &Hardware::processor, &Processor::count>},
     {"Processor", "Age", ReadProcessorAge},
     {"Processor", "CounterFrequency",
@@ -349,6 +337,18 @@ constexpr Fact kFacts[] = {
     {"FreeResources", "System", ReadFreeResources<0>},
     {"FreeResources", "GDI", ReadFreeResources<1>},
     {"FreeResources", "User", ReadFreeResources<2>},
+    {"User", "Name", Read<&Machine::user, &User::name>},
+    {"User", "Account", Read<&Machine::user, &User::account>},
+    {"User", "Domain", Read<&Machine::user, &User::domain>},
+    {"User", "Imitated", Read<&Machine::user, &User::imitated>},
+    {"User", "Sid", ReadSid},
+    {"User", "RegistryKey", Read<&Machine::user, &User::registry_key>},
+    {"Locale", "Language", Read<&Machine::locale, &Locale::language>},
+    {"Locale", "EnglishLanguage", Read<&Machine::locale, &Locale::english_language>},
+    {"Folders", "Windows", Read<&Machine::windows_folder>},
+    {"Folders", "System", Read<&Machine::system_folder>},
+    {"Folders", "Temp", Read<&Machine::temp_folder>},
+    {"SpecialFolders", "*", ReadSpecialFolder},
     {"Screen", "Width", Read<&Machine::desktop, &Desktop::screen_size, &SIZE::cx>},
     {"Screen", "Height", Read<&Machine::desktop, &Desktop::screen_size, &SIZE::cy>},
     {"Screen", "BitsPerPixel", Read<&Machine::desktop, &Desktop::bits_per_pixel>},
