@@ -5,50 +5,37 @@
 #include <string>
 #include <vector>
 
-#include "scans/registry_dump.h"
 #include "tests/support/report_run.h"
 
 namespace hostscope {
 namespace {
 
 TEST(KeyScan, FolderPathTexts) {
-  struct Row {
-    const char* text;
-    bool expected;
-  };
-  const Row rows[] = {
-      {"C:\\Program Files\\App", true},
-      {"z:\\x", true},
-      {"C:\\", true},
-      {"C:\\a,b;c|d\"", true},
-      {"C:\\a\\\\b", true},
-      {"C:\\\\a", false},
-      {"C:", false},
-      {"C:a", false},
-      {"C:/a", false},
-      {"1:\\a", false},
-      {"\xC4:\\a", false},
-      {"[:\\a", false},
-      {"@:\\a", false},
-      {" C:\\a", false},
-      {"C:\\a*", false},
-      {"C:\\a?", false},
-      {"C:\\<a", false},
-      {"C:\\a>", false},
-      {"%ProgramFiles%\\App", false},
-      {"App\\x", false},
-      {"\\App\\x\\y\\z\\w", false},
-      {"", false},
-      {"\\\\server\\share\\folder", true},
-      {"\\\\server\\share\\folder\\", true},
-      {"\\\\server\\share\\\\", true},
-      {"\\\\s\\?\\*", true},
-      {"\\\\server\\share\\", false},
-      {"\\\\server\\share", false},
-      {"\\\\", false},
-  };
-  for (const Row& row : rows)
-    EXPECT_EQ(IsFolderPathText(row.text), row.expected) << row.text;
+  for (const char* text : {"C:\\Program Files\\App", "z:\\x", "C:\\", "C:\\a,b;c|d\"", "C:\\a\\\\b",
+                           "\\\\server\\share\\folder", "\\\\server\\share\\folder\\",
+                           "\\\\server\\share\\\\", "\\\\s\\?\\*"})
+    EXPECT_TRUE(IsFolderPathText(text)) << text;
+  for (const char* text : {"C:\\\\a",
+                           "C:",
+                           "C:a",
+                           "C:/a",
+                           "1:\\a",
+                           "\xC4:\\a",
+                           "[:\\a",
+                           "@:\\a",
+                           " C:\\a",
+                           "C:\\a*",
+                           "C:\\a?",
+                           "C:\\<a",
+                           "C:\\a>",
+                           "%ProgramFiles%\\App",
+                           "App\\x",
+                           "\\App\\x\\y\\z\\w",
+                           "",
+                           "\\\\server\\share\\",
+                           "\\\\server\\share",
+                           "\\\\"})
+    EXPECT_FALSE(IsFolderPathText(text)) << text;
 }
 
 class KeyScanRun : public testing::Test {
