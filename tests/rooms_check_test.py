@@ -11,6 +11,8 @@ CASES = [
     ("the report that knows a probe", "report/item.cpp", '#include "probes/system/user.h"', 1),
     ("the table of contents that knows a probe", "report/section_table.cpp",
      '#include "probes/system/user.h"', 0),
+    ("the report that knows delivery", "report/item.cpp", '#include "delivery/open_report.h"', 1),
+    ("the last step of the run", "report/report_worker.cpp", '#include "delivery/open_report.h"', 0),
     ("a header of no room", "util/text.cpp", '#include "text.h"', 1),
     ("a system header", "app/entry.cpp", "#include <windows.h>", 1),
     ("a Linux header", "util/text.cpp", "#include <sys/stat.h>", 1),
