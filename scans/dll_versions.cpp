@@ -35,9 +35,9 @@ bool Ask(DllGetVersionFunction dll_get_version, std::uint32_t size, DllVersionRe
 }
 
 bool AskDll(const char* name, FileVersion& version) {
-  const LoadedLibrary dll(name);
-  const auto dll_get_version = dll.Get<DllGetVersionFunction>("DllGetVersion");
-  if (dll_get_version == nullptr) return false;
+  BoundLibrary<1> dll;
+  if (!dll.BindLoaded(LoadLibraryA(name), {"DllGetVersion"})) return false;
+  const auto dll_get_version = dll.Get<DllGetVersionFunction>(0);
   DllVersionRecord record;
   if (Ask(dll_get_version, sizeof record, record)) {
     version = {static_cast<std::uint32_t>(record.version >> 32),

@@ -8,28 +8,6 @@
 
 namespace hostscope {
 
-// A library loaded for a while; freed when the owner goes. Loading it runs its initialisation.
-class LoadedLibrary {
- public:
-  explicit LoadedLibrary(const char* name) : module_(LoadLibraryA(name)) {}
-  ~LoadedLibrary() {
-    if (module_ != nullptr) FreeLibrary(module_);
-  }
-  LoadedLibrary(const LoadedLibrary&) = delete;
-  LoadedLibrary& operator=(const LoadedLibrary&) = delete;
-
-  bool loaded() const { return module_ != nullptr; }
-  // An exported function as the type given; null when there is none, or no library.
-  template <typename Function>
-  Function Get(const char* name) const {
-    if (module_ == nullptr) return nullptr;
-    return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(module_, name)));
-  }
-
- private:
-  HMODULE module_;
-};
-
 // One binding: takes the library if the process has it already, else loads it and remembers that;
 // resolves every name of a table, or none: when one is missing the binding is released at once.
 // Whoever uses it keeps the table of names beside the function types.

@@ -1,4 +1,4 @@
-// The sections that a profile's lists call for: versions of libraries, trees of folders.
+// The versions of the libraries that a profile names, and the trees of its folders.
 #include <gtest/gtest.h>
 
 #include <tuple>
@@ -12,29 +12,10 @@ namespace {
 
 using hostscope::test::Bytes;
 
-// The report's text behind a heading, and the last status line before the end of the list.
-std::string TextBehind(const Folder& folder, const std::string& profile, const std::string& heading,
-                       std::string& status) {
-  folder.Write("test.ini", profile);
-  Program program(folder, {.arguments = {"test.ini"}});
-  EXPECT_TRUE(program.WaitUntilFinished());
-  const auto lines = program.Lines();
-  status = lines.empty() ? "" : lines.front();
-  TypeKey(program.dialog(), 'X');
-  EXPECT_EQ(program.WaitForExit(), 0u);
-  const std::string report = Joined(ReportLines(folder.Read("hscope.txt").value_or("")));
+// The report's text behind a heading.
+std::string TextBehind(const std::string& report, const std::string& heading) {
   const size_t at = report.find("\r\n\r\n" + heading);
   return at == std::string::npos ? report : report.substr(at + 4 + heading.size());
-}
-
-// The build puts the tests' libraries into a folder beside this program.
-void CopyLibrary(const Folder& folder, const std::string& name) {
-  char path[MAX_PATH] = {};
-  GetModuleFileNameA(nullptr, path, MAX_PATH);
-  std::string source = path;
-  source.resize(source.rfind('\\') + 1);
-  source += "test_dlls\\" + name;
-  ASSERT_TRUE(CopyFileA(source.c_str(), folder.Path(name).c_str(), TRUE)) << source;
 }
 
 TEST(DllVersions, AreTheLibrariesOwn) {
@@ -51,24 +32,24 @@ TEST(DllVersions, AreTheLibrariesOwn) {
   for (const char* name : {"win98", "winxp"}) {
     const Release release(name);
     const Folder folder;
-    std::string profile = "[DLLS]\r\nnosuch.dll\r\n", status;
+    std::string profile = "[DLLS]\r\nnosuch.dll\r\n";
+    std::vector<std::string> list;
     std::string expected = Padded("nosuch.dll", 27) + "dll is missing\r\n";
     const auto expect = [&](const std::string& entry, const std::string& version) {
       profile += entry + "\r\n";
       expected += Padded(entry, 27) + version + "\r\n";
     };
     for (const auto& [library, version] : built) {
-      CopyLibrary(folder, library);
+      folder.CopyFromBuild(library);
       expect(library, version);
     }
     for (const auto& [library, file, version] : written) {
       folder.Write(library, Bytes(file));
       expect(folder.Path(library), version);
     }
-    EXPECT_EQ(TextBehind(folder, profile, "[dll name]                 [version]\r\n", status),
-              expected)
-        << name;
-    EXPECT_EQ(status, ProgressLine("Dlls versions...", "Ok"));
+    const std::string report = ReportOf(folder, profile, {}, &list);
+    EXPECT_EQ(TextBehind(report, "[dll name]                 [version]\r\n"), expected) << name;
+    EXPECT_EQ(list.front(), ProgressLine("Dlls versions...", "Ok"));
   }
 }
 
@@ -114,19 +95,21 @@ TEST(Folders, AreListedAsTrees) {
                            "|   |---plain.txt                09.02.04         3 b     \r\n"
                            "|   \r\n" +
                            files;
-  std::string status;
+  std::vector<std::string> list;
+  const std::string report =
+      ReportOf(folder,
+               "[FOLDERS]\r\n" + folder.Path("T") +
+                   ",1\r\nHKCU\\Software\\HostscopeTests,Folder,0\r\n"
+                   "HKCU\\Software\\HostscopeTests,Other,0\r\nC:\\nosuch\r\n<run folder>,0\r\n",
+               {}, &list);
   const std::string text = TextBehind(
-      folder,
-      "[FOLDERS]\r\n" + folder.Path("T") +
-          ",1\r\nHKCU\\Software\\HostscopeTests,Folder,0\r\n"
-          "HKCU\\Software\\HostscopeTests,Other,0\r\nC:\\nosuch\r\n<run folder>,0\r\n",
-      "Folders & Files:      [path]   [last write date]   [size]   [version]\r\n\r\n", status);
+      report, "Folders & Files:      [path]   [last write date]   [size]   [version]\r\n\r\n");
   const std::string expected = tree + folder.Path("T") + "\r\n|---\\LAST\r\n|---\\SUB\r\n" + files +
                                "Can not read registry value.\r\n\r\n"
                                "C:\\nosuch\r\nFolder is not exists.\r\n\r\n" +
                                folder.path() + "\r\n|---\\T\r\n|---hscope.exe  ";
   EXPECT_EQ(text.substr(0, expected.size()), expected);
-  EXPECT_EQ(status, ProgressLine("Folders...", "Ok"));
+  EXPECT_EQ(list.front(), ProgressLine("Folders...", "Ok"));
 }
 
 }  // namespace
