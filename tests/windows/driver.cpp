@@ -1,7 +1,5 @@
 #include "tests/windows/driver.h"
 
-#include <gtest/gtest.h>
-
 #include <tlhelp32.h>
 
 #include <algorithm>
@@ -333,10 +331,10 @@ std::string ReportOf(const Folder& folder, const std::string& profile,
                      std::vector<Interception*> interceptions, std::vector<std::string>* list) {
   folder.Write("test.ini", profile);
   Program program(folder, {.arguments = {"test.ini"}, .interceptions = interceptions});
-  EXPECT_TRUE(program.WaitUntilFinished());
+  if (!program.WaitUntilFinished()) throw std::runtime_error("the report is not finished");
   if (list) *list = program.Lines();
   TypeKey(program.dialog(), 'X');
-  EXPECT_EQ(program.WaitForExit(), 0u);
+  if (program.WaitForExit() != 0u) throw std::runtime_error("the program does not end well");
   return folder.Read("hscope.txt").value_or("no report");
 }
 
