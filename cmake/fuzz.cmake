@@ -10,7 +10,7 @@ add_compile_options(-O1 -g1 -fno-omit-frame-pointer -fno-sanitize-recover=all
                     -fsanitize=fuzzer-no-link,${FUZZ_SANITIZERS})
 
 find_package(Threads REQUIRED)
-add_library(fuzzed OBJECT ${PROGRAM_SOURCES} ${HOST_SOURCES})
+add_library(fuzzed OBJECT ${PROGRAM_SOURCES} ${HOST_SOURCES} tests/support/test_folder.cpp)
 target_include_directories(fuzzed PUBLIC ${PROJECT_SOURCE_DIR})
 target_link_libraries(fuzzed PUBLIC Threads::Threads)
 
