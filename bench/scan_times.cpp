@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr char kTestKey[] = "Software\\HostscopeBench";
+constexpr char kTestKey[] = "Software\\Hostscope bench ";
 constexpr DWORD kLongestRun = 300000;
 
 double Milliseconds() {
@@ -135,11 +135,13 @@ void Compare(const char* what, int rounds, const std::function<double()>& ours,
   std::fflush(stdout);
 }
 
-// Values 0 .. count - 1 of the test key, by turns a text, a number and bytes.
-void MakeValues(int first, int count) {
+// A key of the user with that many values, by turns a text, a number and bytes.
+std::string MakeKey(int count) {
+  const std::string path = kTestKey + std::to_string(count);
   HKEY key = nullptr;
-  Require(RegCreateKeyA(HKEY_CURRENT_USER, kTestKey, &key) == ERROR_SUCCESS, "no key to test with");
-  for (int i = first; i < count; ++i) {
+  Require(RegCreateKeyA(HKEY_CURRENT_USER, path.c_str(), &key) == ERROR_SUCCESS,
+          "no key to test with");
+  for (int i = 0; i < count; ++i) {
     const std::string name = "Value " + std::to_string(i);
     static constexpr BYTE kData[] = "some bytes of a usual size";
     static constexpr DWORD kTypes[] = {REG_SZ, REG_DWORD, REG_BINARY};
@@ -147,11 +149,15 @@ void MakeValues(int first, int count) {
     RegSetValueExA(key, name.c_str(), 0, type, kData, type == REG_DWORD ? 4 : sizeof(kData));
   }
   RegCloseKey(key);
+  return path;
 }
 
-void MakeFiles(const drive::Folder& folder, int first, int count) {
-  for (int i = first; i < count; ++i)
-    folder.Write("files\\file " + std::to_string(i) + ".txt", "three lines of text");
+std::string MakeFiles(const drive::Folder& folder, int count) {
+  const std::string name = std::to_string(count) + " files";
+  folder.MakeFolder(name);
+  for (int i = 0; i < count; ++i)
+    folder.Write(name + "\\file " + std::to_string(i) + ".txt", "three lines of text");
+  return folder.Path(name);
 }
 
 std::string SystemFolder() {
@@ -160,57 +166,55 @@ std::string SystemFolder() {
   return path;
 }
 
-}  // namespace
-
-int main(int count, char** arguments) {
-  const int rounds = count > 1 ? std::max(1, std::atoi(arguments[1])) : 5;
-  const drive::Folder folder;
-  const auto start = [&] { return TimeOfReport(folder, ""); };
-  start();  // the server and the file caches are warm from here on
-  std::printf("%-52s %9s %9s %7s\n", "", "ms", "beside", "ratio");
-
+// The system's registry and folder, beside what the system takes.
+void CompareWithSystem(const drive::Folder& folder, int rounds,
+                       const std::function<double(const std::string&)>& section) {
   Compare(
       "dump of HKLM\\Software, beside `reg export` of it", rounds,
-      [&] { return TimeOfReport(folder, "[REGISTRY KEYS]\r\nHKLM\\Software,1\r\n"); },
+      [&] { return section("[REGISTRY KEYS]\r\nHKLM\\Software,1\r\n"); },
       [&] {
         return TimeOfCommand("reg.exe export HKLM\\Software \"" + folder.Path("export.reg") +
                              "\" /y");
       },
       1.0);
-
   const std::string system = SystemFolder();
   Compare(
       "tree of the system folder, beside the bare calls", rounds,
-      [&] {
-        const double without = start();
-        return TimeOfReport(folder, "[FOLDERS]\r\n" + system + ",1\r\n") - without;
-      },
+      [&] { return section("[FOLDERS]\r\n" + system + ",1\r\n"); },
       [&] { return TimeOf([&] { WalkBare(system); }); }, 1.25);
+}
 
-  const std::string key = std::string("[REGISTRY KEYS]\r\nHKCU\\") + kTestKey + "\r\n";
-  constexpr int kValues = 20000;
-  MakeValues(0, kValues);
-  const auto dump = [&] { return TimeOfReport(folder, key) - start(); };
-  std::vector<double> single;
-  for (int round = 0; round < rounds; ++round)
-    single.push_back(dump());
-  MakeValues(kValues, 2 * kValues);
-  Compare(
-      "dump of 40,000 values, beside one of 20,000", rounds, dump, [&] { return Median(single); },
-      2.2);
-  RegDeleteKeyA(HKEY_CURRENT_USER, kTestKey);
+// Twice as much, beside the half of it.
+void CompareSizes(const drive::Folder& folder, int rounds,
+                  const std::function<double(const std::string&)>& section) {
+  const std::string keys[] = {MakeKey(20000), MakeKey(40000)};
+  const auto dump = [&](int key) {
+    return [&, key] { return section("[REGISTRY KEYS]\r\nHKCU\\" + keys[key] + "\r\n"); };
+  };
+  Compare("dump of 40,000 values, beside one of 20,000", rounds, dump(1), dump(0), 2.2);
+  for (const std::string& key : keys)
+    RegDeleteKeyA(HKEY_CURRENT_USER, key.c_str());
 
-  constexpr int kFiles = 2000;
-  folder.MakeFolder("files");
-  MakeFiles(folder, 0, kFiles);
-  const std::string tree = "[FOLDERS]\r\n" + folder.Path("files") + "\r\n";
-  const auto list = [&] { return TimeOfReport(folder, tree) - start(); };
-  single.clear();
-  for (int round = 0; round < rounds; ++round)
-    single.push_back(list());
-  MakeFiles(folder, kFiles, 2 * kFiles);
-  Compare(
-      "tree of 4,000 files, beside one of 2,000", rounds, list, [&] { return Median(single); },
-      2.2);
+  const std::string folders[] = {MakeFiles(folder, 2000), MakeFiles(folder, 4000)};
+  const auto list = [&](int which) {
+    return [&, which] { return section("[FOLDERS]\r\n" + folders[which] + "\r\n"); };
+  };
+  Compare("tree of 4,000 files, beside one of 2,000", rounds, list(1), list(0), 2.2);
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  const int rounds = count > 1 ? std::max(1, std::atoi(arguments[1])) : 5;
+  const drive::Folder folder;
+  TimeOfReport(folder, "");  // the server and the file caches are warm from here on
+  // What a section adds to a run without it.
+  const auto section = [&](const std::string& text) {
+    const double without = TimeOfReport(folder, "");
+    return TimeOfReport(folder, text) - without;
+  };
+  std::printf("%-52s %9s %9s %7s\n", "", "ms", "beside", "ratio");
+  CompareWithSystem(folder, rounds, section);
+  CompareSizes(folder, rounds, section);
   return 0;
 }

@@ -21,9 +21,9 @@ enum class WalkStep { kSubkey, kValue, kEnd };
 
 // The subkeys of a key come first, each followed by all that lies below it, then the key's own
 // values, everything in the system's order. A list of subkeys or of values ends at the first call
-// that gives none, also at a name or at data longer than the key said before. A key that says
-// nothing about itself is empty; a subkey that does not open, or for which there is no memory, is
-// given by its name alone.
+// that gives none, also at a name or at data longer than the key said before; a list that the key
+// says is empty is not asked for. A key that says nothing about itself is empty; a subkey that does
+// not open, or for which there is no memory, is given by its name alone.
 //
 // The walk keeps one record per open level, and room for one name and one value's data.
 class KeyWalk {
@@ -55,6 +55,7 @@ class KeyWalk {
     DWORD next_subkey = 0;
     DWORD next_value = 0;
     bool subkeys_done = false;
+    bool values_done = false;
   };
 
   OpenKey* Deepest();
