@@ -7,7 +7,9 @@ namespace hostscope {
 
 void OpenReport(const char* report_path) {
   const OwnedText path = FullPath(report_path);
-  ShellExecuteA(nullptr, "open", path.c_str(), nullptr, nullptr, SW_SHOW);
+  // Nothing to open would open the current folder.
+  const char* const target = path.present() ? path.c_str() : report_path;
+  ShellExecuteA(nullptr, "open", target, nullptr, nullptr, SW_SHOW);
 }
 
 }  // namespace hostscope

@@ -1,5 +1,6 @@
 #include "delivery/simple_mapi.h"
 
+#include "util/error_mode.h"
 #include "util/paths.h"
 #include "util/registry.h"
 #include "util/text.h"
@@ -23,18 +24,6 @@ using Field = char[MAX_PATH];
 constexpr bool KnowsMessagingSubsystem(DWORD major, DWORD minor) {
   return major > 3 || (major == 3 && minor > 51);
 }
-
-// While it lives no message box tells of files that are missing when a library is loaded.
-class QuietLoading {
- public:
-  QuietLoading() : previous_(SetErrorMode(SEM_NOOPENFILEERRORBOX)) {}
-  ~QuietLoading() { SetErrorMode(previous_); }
-  QuietLoading(const QuietLoading&) = delete;
-  QuietLoading& operator=(const QuietLoading&) = delete;
-
- private:
-  UINT previous_;
-};
 
 // False, the field empty, when the value can't be read or does not fit.
 bool ReadField(HKEY key, const char* value_name, Field& field) {
@@ -83,7 +72,8 @@ OwnedText ExpandVariables(const char* path) {
 }
 
 HMODULE LoadMailLibrary() {
-  const QuietLoading quiet;
+  // A library that is missing is no reason for a message box.
+  const ErrorMode quiet(SEM_NOOPENFILEERRORBOX);
   Field path;
   FindClientLibrary(path);
   if (path[0] == '\0') CopyText(path, "mapi32.dll");

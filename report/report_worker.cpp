@@ -3,6 +3,7 @@
 #include "delivery/open_report.h"
 #include "profile/read_profile.h"
 #include "report/section_table.h"
+#include "util/error_mode.h"
 #include "util/handles.h"
 #include "util/heap.h"
 
@@ -36,6 +37,8 @@ void WriteHeader(ReportWriter& report) {
 // Between the creation of the report file and its closing.
 void WriteReport(const RunState& state, ReportWriter& report, ProfileSettings& settings,
                  ProgressLines& progress, HeapBuffer& work) {
+  // Probes touch drives without a disk and libraries that are broken.
+  const ErrorMode quiet(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
   ProbeContext context;
   WriteHeader(report);
   ItemRun run{state.program_folder.c_str(), settings, context, report, progress,

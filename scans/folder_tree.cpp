@@ -234,7 +234,8 @@ void TreeListing::WriteFileFacts(const char* name) {
   SYSTEMTIME written = {};
   FileTimeToSystemTime(&entry.ftLastWriteTime, &written);
   char size[kUnsigned64Size];
-  FormatUnsigned64(static_cast<std::uint64_t>(entry.nFileSizeHigh) << 32 | entry.nFileSizeLow, size);
+  FormatUnsigned64(static_cast<std::uint64_t>(entry.nFileSizeHigh) << 32 | entry.nFileSizeLow,
+                   size);
   report_.WriteFormatted("%02i.%02i.%02i%10s b     %s", written.wDay, written.wMonth,
                          written.wYear % 100, size, version);
 }

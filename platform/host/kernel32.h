@@ -57,6 +57,7 @@ inline constexpr LCTYPE LOCALE_SENGLANGUAGE = 0x1001;
 
 inline constexpr DWORD MAX_COMPUTERNAME_LENGTH = 15;
 
+inline constexpr UINT SEM_FAILCRITICALERRORS = 0x1;
 inline constexpr UINT SEM_NOOPENFILEERRORBOX = 0x8000;
 
 inline constexpr DWORD ERROR_TOO_MANY_OPEN_FILES = 4;
