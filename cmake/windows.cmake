@@ -56,6 +56,8 @@ if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
   if(EXE_TEST_SOURCES)
     add_ordinary_exe(exe_tests ${EXE_TEST_SOURCES})
     target_link_libraries(exe_tests PRIVATE GTest::gtest_main)
+    target_compile_definitions(exe_tests PRIVATE
+                               HOSTSCOPE_REPORTS_FOLDER="Z:${PROJECT_SOURCE_DIR}/tests/reports")
     add_mail_libraries()
     add_dependencies(exe_tests mail_library mail_library_part)
 

@@ -64,10 +64,11 @@ OwnedText ExpandVariables(const char* path) {
   const DWORD size = ExpandEnvironmentStringsA(path, nullptr, 0);
   if (size == 0) return {};
   // One more than asked for: some systems count a text of 8 bits one short.
-  HeapBuffer block(std::size_t{size} + 1);
+  const DWORD room = size + 1;
+  HeapBuffer block(room);
   if (!block.present()) return {};
-  const DWORD written = ExpandEnvironmentStringsA(path, block.data(), size);
-  if (written == 0 || written > size) return {};
+  const DWORD written = ExpandEnvironmentStringsA(path, block.data(), room);
+  if (written == 0 || written > room) return {};
   return OwnedText(static_cast<HeapBuffer&&>(block));
 }
 
@@ -120,7 +121,7 @@ void SimpleMapi::SendReportMail(const ReportMail& mail) const {
   const OwnedText path = FullPath(mail.attachment_path);
   MapiFileDesc report = {};
   report.nPosition = 0xFFFFFFFF;  // nowhere in the text
-  report.lpszPathName = Given(path.c_str());
+  report.lpszPathName = Given(path.present() ? path.c_str() : mail.attachment_path);
 
   MapiMessage message = {};
   message.lpszSubject = Given(mail.subject);

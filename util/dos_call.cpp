@@ -22,8 +22,7 @@ bool CallDos(DosRegisters& registers) {
   if (!device.open()) return false;
   DWORD returned = 0;
   return DeviceIoControl(device.get(), kDosServices, &registers, sizeof registers, &registers,
-                         sizeof registers, &returned, nullptr) &&
-         (registers.flags & kDosCarry) == 0;
+                         sizeof registers, &returned, nullptr) != 0;
 }
 
 }  // namespace hostscope

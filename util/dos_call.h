@@ -26,8 +26,8 @@ class DosBlock {
   char* data_;
 };
 
-// Calls interrupt 21h with the registers, which are those after the call then. False when the
-// vwin32 device does not open or refuses, and when the service answers with the carry flag.
+// Calls interrupt 21h with the registers, which are those after the call then; the carry flag among
+// them says that DOS refused. False when the vwin32 device does not open or refuses.
 bool CallDos(DosRegisters& registers);
 
 }  // namespace hostscope

@@ -84,8 +84,9 @@ void VersionResource::FindText(const char* item, std::span<char> text) {
   std::size_t stated_length = 0;
   const std::span<const char> value = Find(path, stated_length);
   if (value.empty()) return;
-  // The copy ends with the characters stated, should the text have no terminator.
-  CopyText(text.data(), std::min({text.size(), stated_length + 1, value.size()}), value.data());
+  // The length is no help: some resources count bytes in it, and the system says 0 for those that
+  // count too many. The block ends with a zero that the file has no part in.
+  CopyText(text.data(), std::min(text.size(), value.size()), value.data());
 }
 
 void FormatFileVersion(const FileVersion& version, std::span<char> text) {

@@ -57,8 +57,9 @@ std::string StateDllVersion(Machine& machine, std::string_view library,
     return "there are more than " + std::to_string(kMostDllVersions) + " of them";
   }
   machine.dll_versions.push_back(answer);
-  machine.libraries.Add(
-      {.name = std::string(library), .exports = {{"DllGetVersion", functions[slot]}}});
+  Library answering = LibraryNamed(library);
+  answering.exports.emplace("DllGetVersion", functions[slot]);
+  machine.libraries.Add(answering);
   return "";
 }
 

@@ -277,6 +277,8 @@ DWORD FileSystem::Open(std::string_view path, const FileUse& use, Disposition di
   const bool changes = use.write || !place.exists || disposition == Disposition::kCreateAlways ||
                        disposition == Disposition::kTruncate;
   if (changes && !place.own) return ERROR_WRITE_PROTECT;
+  // A pipe or a device among the files of a drive would keep the run waiting.
+  if (!place.own && !std::filesystem::is_regular_file(place.path)) return ERROR_ACCESS_DENIED;
 
   const std::lock_guard lock(claims_->mutex);
   const bool claims = use.read || use.write;

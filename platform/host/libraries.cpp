@@ -49,6 +49,12 @@ Libraries::Libraries() {
     Add(library);
 }
 
+Library LibraryNamed(std::string_view name) {
+  Library library{.name = WithExtension(name)};
+  if (HasFolder(library.name)) library.path = library.name;
+  return library;
+}
+
 void Libraries::Add(const Library& library) {
   const std::lock_guard lock(mutex_);
   const auto [found, is_new] = entries_.try_emplace(library.name);
@@ -68,7 +74,7 @@ void Libraries::Add(const Library& library) {
 }
 
 bool Libraries::AddLike(std::string_view path, std::string_view other) {
-  Library library;
+  Library library = LibraryNamed(path);
   {
     const std::lock_guard lock(mutex_);
     const auto found = entries_.find(other);
@@ -76,9 +82,6 @@ bool Libraries::AddLike(std::string_view path, std::string_view other) {
     library.exports = found->second.library.exports;
     library.ordinals = found->second.library.ordinals;
   }
-  const std::size_t end_of_folder = path.find_last_of("\\/:");
-  library.name = path.substr(end_of_folder == std::string_view::npos ? 0 : end_of_folder + 1);
-  if (HasFolder(path)) library.path = path;
   Add(library);
   return true;
 }

@@ -20,6 +20,10 @@ struct Library {
   std::string path = {};  // of its file; empty: one of this name in the system folder
 };
 
+// A library as it is named to be loaded: one with a folder lies there, and one without an extension
+// has the usual one.
+Library LibraryNamed(std::string_view name);
+
 // A function as an export.
 template <typename Function>
 FARPROC Export(Function* function) {

@@ -247,12 +247,13 @@ std::string ReadFreeResources(Machine& machine, string_view, string_view value) 
 }
 
 std::string ReadLibrary(Machine& machine, string_view key, string_view value) {
+  const Library library = LibraryNamed(key);
   if (value == "present") {
-    machine.libraries.Add(Library{std::string(key), false, {}, {}, ""});
+    machine.libraries.Add(library);
     return "";
   }
   if (value == "absent") {
-    machine.libraries.Remove(key);
+    machine.libraries.Remove(library.name);
     return "";
   }
   if (value.starts_with("like ")) {
@@ -261,13 +262,12 @@ std::string ReadLibrary(Machine& machine, string_view key, string_view value) {
   }
   if (TakeItem(value, ' ') != "without" || value.empty()) {
     return "the value is neither \"present\", \"absent\", \"like\" and a library, nor \"without\" "
-           "and "
-           "names of functions";
+           "and names of functions";
   }
   while (!value.empty()) {
     const string_view function = TakeItem(value, ',');
     if (function.empty()) return "the name of a function is missing";
-    machine.libraries.RemoveExport(key, function);
+    machine.libraries.RemoveExport(library.name, function);
   }
   return "";
 }
@@ -309,10 +309,8 @@ std::string ReadPlugIn(Machine& machine, string_view key, string_view value) {
   plug_in.text = *text;
   const FARPROC function = machine.plug_ins.Add(std::move(plug_in));
   if (function == nullptr) return "there are too many plug-ins";
-  Library library{.name = std::string(key.substr(0, comma))};
+  Library library = LibraryNamed(key.substr(0, comma));
   library.exports.emplace(key.substr(comma + 1), function);
-  // One with a folder lies there, any other in the system folder.
-  if (library.name.find_first_of("\\/:") != std::string::npos) library.path = library.name;
   machine.libraries.Add(library);
   return "";
 }

@@ -18,6 +18,7 @@ struct VersionedFile {
   std::uint32_t table = 0x040904E4;                       // the string table's name
   bool wide = false;                                      // PE32+
   int fixed_length = 52;                                  // as the resource states it
+  std::optional<int> string_length = {};                  // stated for every string
   std::uint32_t signature = 0xFEEF04BD;
   std::uint32_t type = 16;  // of the resource
 };
@@ -60,7 +61,8 @@ inline std::string VersionNode(const std::string& key, const std::string& value,
 inline std::string VersionBlock(const VersionedFile& file) {
   std::vector<std::string> strings, children;
   for (const auto& [key, value] : file.strings)
-    strings.push_back(VersionNode(key, Utf16(value), static_cast<int>(value.size()) + 1, true));
+    strings.push_back(VersionNode(
+        key, Utf16(value), file.string_length.value_or(static_cast<int>(value.size()) + 1), true));
   char table[9];
   std::snprintf(table, sizeof table, "%08X", file.table);
   if (!strings.empty())

@@ -77,7 +77,9 @@ TEST(Folders, AreListedAsTrees) {
     folder.MakeFolder(name);
   MakeFile(folder, "T\\Sub\\Plain.Txt", "abc", 3);
   MakeFile(folder, "T\\co-op.dll", Bytes({.fixed = {{5, 0, 2, 1}}}), 2048);
-  MakeFile(folder, "T\\COOP.DLL", Bytes({.strings = {{"FileVersion", "a text"}}}), 1024);
+  MakeFile(folder, "T\\COOP.DLL",
+           Bytes({.strings = {{"FileVersion", "a text"}}, .translation = {}, .string_length = 99}),
+           1024);
   MakeFile(folder, "T\\a name that is longer than its column", "", 5000000000);
   const RegistryValue value = RegistryValue::Text(HKEY_CURRENT_USER, "Software\\HostscopeTests",
                                                   "Folder", folder.Path("T") + "\\");

@@ -174,6 +174,14 @@ TEST_F(FileSystemTest, DrivesAreReadOnly) {
   EXPECT_FALSE(fs::exists(folder_ / "c/new.txt"));
 }
 
+// Opening it would wait for whoever writes into it.
+TEST_F(FileSystemTest, APipeOnADriveIsRefused) {
+  ASSERT_EQ(mkfifo((folder_ / "c/pipe").c_str(), 0600), 0);
+  EXPECT_EQ(CreateFileA("C:\\pipe", GENERIC_READ, 1, nullptr, OPEN_EXISTING, 0, nullptr),
+            INVALID_HANDLE_VALUE);
+  EXPECT_EQ(ERROR_ACCESS_DENIED, GetLastError());
+}
+
 TEST_F(FileSystemTest, WrittenTextIsInTheFileAtOnce) {
   const std::string path = own_ + "\\report.txt";
   const HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,

@@ -314,17 +314,19 @@ std::string DllVersion(Machine& machine, const char* library, DWORD size) {
 
 TEST(MachineFacts, VersionsOfLibrariesAndTimesOfFiles) {
   Machine machine;
-  ASSERT_EQ(State(kVersion + "[DllVersions]\nCOMCTL32.DLL=5.81.4916.7\nOLD.DLL=20-byte 4.72.3110\n"
-                             "NO.DLL=refused\n[FileTimes]\n*=2001-02-03 04:05:06\n"
-                             "C:\\A=1999-12-31 23:59:59.5\n",
-                  machine),
-            "");
+  ASSERT_EQ(
+      State(kVersion + "[DllVersions]\nCOMCTL32.DLL=5.81.4916.7\nOLD.DLL=20-byte 4.72.3110\n"
+                       "NO.DLL=refused\nC:\\Apps\\own=1.2.3.4\n[FileTimes]\n*=2001-02-03 04:05:06\n"
+                       "C:\\A=1999-12-31 23:59:59.5\n",
+            machine),
+      "");
   EXPECT_EQ(DllVersion(machine, "comctl32", 32), " 5 81 4916 2 5 81 4916 7");
   EXPECT_EQ(DllVersion(machine, "comctl32", 20), " 5 81 4916 2 0 0 0 0");
   EXPECT_EQ(DllVersion(machine, "comctl32", 24), "refused");
   EXPECT_EQ(DllVersion(machine, "old.dll", 32), "refused");
   EXPECT_EQ(DllVersion(machine, "old.dll", 20), " 4 72 3110 2 0 0 0 0");
   EXPECT_EQ(DllVersion(machine, "no.dll", 20), "refused");
+  EXPECT_EQ(DllVersion(machine, "c:\\apps\\OWN.dll", 20), " 1 2 3 2 0 0 0 0");
   EXPECT_EQ(DllVersion(machine, "kernel32.dll", 20), "none");
   EXPECT_EQ(machine.files.StatedWriteTime("c:\\b"), 126256467060000000);
   EXPECT_EQ(machine.files.StatedWriteTime("c:\\a"), 125911583990050000);

@@ -159,6 +159,12 @@ TEST(PageFiles, OfNt) {
   ProbeContext context;
   EXPECT_TRUE(ReadPageFiles(context) && ReadPageFiles(context));
   EXPECT_EQ(context.page_files.count(), 2) << "each call fills the list anew";
+  run.Run("[SYSTEM]\r\nPagefiles=1\r\n");
+  EXPECT_NE(
+      run.Report().find("\r\nPagefile space             a, size 0 Mb, min 1 Mb, max 2 Mb\r\n" +
+                        std::string(27, ' ') + "b, size 0 Mb, min 3 Mb, max 4 Mb\r\n"),
+      std::string::npos)
+      << "the first line alone has the label";
 }
 
 TEST(PageFiles, OfWindows98) {
