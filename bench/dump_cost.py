@@ -3,7 +3,8 @@
 Usage: bench/dump_cost.py HSCOPE [RUNS]     (HSCOPE from the preset "linux")
 Describes machines with 50,000, 100,000 and 200,000 values and runs each with the key dumped and without.
 Prints the processor time of the difference, its ratio to half as many values, and how much more memory the
-run with the dump takes at its peak.
+run with the dump takes at its peak. Exit code 1 when a dump of 100,000 values takes a second, when twice the
+values take more than 2.2 times the time, or when the memory grows with their number.
 """
 
 import pathlib
@@ -13,6 +14,9 @@ import tempfile
 
 import measure
 
+MOST_MILLISECONDS = 1000  # for 100,000 values
+MOST_RATIO = 2.2
+MOST_KILOBYTES = 512
 MACHINE = "[Version]\nMajor = 5\nMinor = 0\nBuild = 2195\nPlatform = 2\n"
 PROFILE = "[GENERAL]\r\nSign=Hostscope INI file\r\nReportFileName=report.txt\r\n"
 DUMP = PROFILE + "[REGISTRY KEYS]\r\nHKLM\\Software\\Bench\r\n"
@@ -36,6 +40,7 @@ def main():
     runs = int(sys.argv[2]) if len(sys.argv) > 2 else 5
     print(f"{'values':>10} {'dump, ms':>10} {'ratio':>7} {'whole run, ms':>14} {'more memory, KB':>16}")
     before = None
+    within = True
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
         (folder / "dump.ini").write_text(DUMP, newline="")
@@ -50,8 +55,11 @@ def main():
             memory = statistics.median(w.peak_kilobytes - o.peak_kilobytes for w, o in pairs)
             ratio = f"{dump / before:.2f}" if before else "-"
             print(f"{count:>10} {dump:>10.1f} {ratio:>7} {whole:>14.1f} {memory:>16.0f}")
+            within &= (dump < MOST_MILLISECONDS * count / 100_000 and memory < MOST_KILOBYTES and
+                       (before is None or dump < MOST_RATIO * before))
             before = dump
+    return 0 if within else 1
 
 
 if __name__ == "__main__":
-    main()
+    sys.exit(main())

@@ -5,6 +5,7 @@
 //   HSCOPE_EXE=PATH scan_times.exe [ROUNDS]
 //
 // Each figure is the median of the rounds, in milliseconds; the two sides of a ratio take turns.
+// Exit code 1 when a ratio is larger than it may be.
 #include <windows.h>
 
 #include <algorithm>
@@ -121,7 +122,7 @@ double Median(std::vector<double> figures) {
 }
 
 // The two sides take turns, so that what else the machine does falls on both.
-void Compare(const char* what, int rounds, const std::function<double()>& ours,
+bool Compare(const char* what, int rounds, const std::function<double()>& ours,
              const std::function<double()>& theirs, double most) {
   std::vector<double> first;
   std::vector<double> second;
@@ -133,6 +134,7 @@ void Compare(const char* what, int rounds, const std::function<double()>& ours,
   std::printf("%-52s %9.1f %9.1f %7.2f   (at most %.2f)%s\n", what, Median(first), Median(second),
               ratio, most, ratio > most ? "   TOO MUCH" : "");
   std::fflush(stdout);
+  return ratio <= most;
 }
 
 // A key of the user with that many values, by turns a text, a number and bytes.
@@ -166,32 +168,35 @@ std::string SystemFolder() {
   return path;
 }
 
-// The system's registry and folder, beside what the system takes.
-void CompareWithSystem(const drive::Folder& folder, int rounds,
+// The system's registry and folder, beside what the system takes. For the registry both sides are
+// whole runs of a program.
+bool CompareWithSystem(const drive::Folder& folder, int rounds,
                        const std::function<double(const std::string&)>& section) {
-  Compare(
+  const bool dump = Compare(
       "dump of HKLM\\Software, beside `reg export` of it", rounds,
-      [&] { return section("[REGISTRY KEYS]\r\nHKLM\\Software,1\r\n"); },
+      [&] { return TimeOfReport(folder, "[REGISTRY KEYS]\r\nHKLM\\Software,1\r\n"); },
       [&] {
         return TimeOfCommand("reg.exe export HKLM\\Software \"" + folder.Path("export.reg") +
                              "\" /y");
       },
       1.0);
   const std::string system = SystemFolder();
-  Compare(
+  const bool tree = Compare(
       "tree of the system folder, beside the bare calls", rounds,
       [&] { return section("[FOLDERS]\r\n" + system + ",1\r\n"); },
       [&] { return TimeOf([&] { WalkBare(system); }); }, 1.25);
+  return dump && tree;
 }
 
 // Twice as much, beside the half of it.
-void CompareSizes(const drive::Folder& folder, int rounds,
+bool CompareSizes(const drive::Folder& folder, int rounds,
                   const std::function<double(const std::string&)>& section) {
   const std::string keys[] = {MakeKey(20000), MakeKey(40000)};
   const auto dump = [&](int key) {
     return [&, key] { return section("[REGISTRY KEYS]\r\nHKCU\\" + keys[key] + "\r\n"); };
   };
-  Compare("dump of 40,000 values, beside one of 20,000", rounds, dump(1), dump(0), 2.2);
+  const bool values =
+      Compare("dump of 40,000 values, beside one of 20,000", rounds, dump(1), dump(0), 2.2);
   for (const std::string& key : keys)
     RegDeleteKeyA(HKEY_CURRENT_USER, key.c_str());
 
@@ -199,7 +204,9 @@ void CompareSizes(const drive::Folder& folder, int rounds,
   const auto list = [&](int which) {
     return [&, which] { return section("[FOLDERS]\r\n" + folders[which] + "\r\n"); };
   };
-  Compare("tree of 4,000 files, beside one of 2,000", rounds, list(1), list(0), 2.2);
+  const bool files =
+      Compare("tree of 4,000 files, beside one of 2,000", rounds, list(1), list(0), 2.2);
+  return values && files;
 }
 
 }  // namespace
@@ -214,7 +221,7 @@ int main(int count, char** arguments) {
     return TimeOfReport(folder, text) - without;
   };
   std::printf("%-52s %9s %9s %7s\n", "", "ms", "beside", "ratio");
-  CompareWithSystem(folder, rounds, section);
-  CompareSizes(folder, rounds, section);
-  return 0;
+  const bool with_system = CompareWithSystem(folder, rounds, section);
+  const bool sizes = CompareSizes(folder, rounds, section);
+  return with_system && sizes ? 0 : 1;
 }
