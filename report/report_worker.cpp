@@ -6,6 +6,7 @@
 #include "util/error_mode.h"
 #include "util/handles.h"
 #include "util/heap.h"
+#include "util/paths.h"
 
 namespace hostscope {
 namespace {
@@ -67,7 +68,7 @@ const char* MakeReport(const RunState& state, ProfileSettings& settings, Progres
 
 void ReportWorker(RunState& state, ProfileSettings& settings, ProgressLines& progress) {
   CreateLists(settings);
-  SetCurrentDirectoryA(state.program_folder.c_str());
+  EnterFolder(state.program_folder.c_str());
   const char* const obstacle = MakeReport(state, settings, progress);
   if (obstacle != nullptr) {
     progress.AddProgressLine(obstacle);

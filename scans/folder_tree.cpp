@@ -11,6 +11,7 @@
 #include "util/file_version.h"
 #include "util/handles.h"
 #include "util/numbers.h"
+#include "util/paths.h"
 #include "util/registry.h"
 #include "util/string_list.h"
 #include "util/text.h"
@@ -24,6 +25,7 @@ inline constexpr char kAllEntries[] = "*.*";
 // What stands where something could not be listed.
 inline constexpr char kPathTooLong[] = "(path is too long)";
 inline constexpr char kLink[] = "(link, not followed)";
+inline constexpr char kNameUnusable[] = "(name can not be used)";
 inline constexpr char kNoMemory[] = "(not enough memory)";
 inline constexpr char kSubfoldersMissing[] = "(not all subfolders could be listed)";
 inline constexpr char kFilesMissing[] = "(not all files could be listed)";
@@ -71,17 +73,11 @@ class TreePath {
   std::size_t length_ = 0;
 };
 
-// A file name with a "?" in it has a character there that the code page does not know. As a path it
-// is a pattern, which other files may fit, too.
-bool FindAgain(FileSearch& search, const char* name) {
-  bool found = search.found();
-  if (FindCharacter(name, '?') == nullptr) return found;
-  for (; found; found = search.Next()) {
-    char found_name[MAX_PATH];
-    CopyText(found_name, search.entry().cFileName);
-    if (SameText(CharLowerA(found_name), name)) break;
-  }
-  return found;
+// What leads to an entry of a folder; null when nothing does. A "?" in a name is a character that
+// the code page does not have, and in a path it is a pattern or an error.
+const char* UsableName(const char* name, const char* alternate) {
+  if (FindCharacter(name, '?') == nullptr) return name;
+  return *alternate != '\0' && FindCharacter(alternate, '?') == nullptr ? alternate : nullptr;
 }
 
 // The listing of one folder with those below it. The folders on the way down stand on the heap: a
@@ -108,8 +104,8 @@ class TreeListing {
   void ShowSubfolder(const WIN32_FIND_DATAA& entry);
   void ListFiles();
   bool GatherFiles(StringList& names);
-  void WriteFile(const char* name);
-  void WriteFileFacts(const char* name);
+  void WriteFile(const char* name, const char* alternate);
+  void WriteFileFacts();
   void WriteMargin(int width);
   void WriteNote(int level, const char* note);
   void EndLevel(int level);
@@ -151,7 +147,9 @@ const char* TreeListing::Enter() {
 
 const char* TreeListing::EnterSubfolder(const WIN32_FIND_DATAA& entry) {
   if ((entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) return kLink;
-  return path_.Append(entry.cFileName) ? Enter() : kPathTooLong;
+  const char* const name = UsableName(entry.cFileName, entry.cAlternateFileName);
+  if (name == nullptr) return kNameUnusable;
+  return path_.Append(name) ? Enter() : kPathTooLong;
 }
 
 void TreeListing::Leave() {
@@ -191,11 +189,11 @@ void TreeListing::ListFiles() {
   names.Sort();
   if (names.count() > 0) separator_pending_ = true;
   for (int i = 0; i < names.count(); ++i)
-    WriteFile(names.Get(i));
+    WriteFile(names.Get(i), names.Companion(i));
   if (!complete) WriteNote(level, kFilesMissing);
 }
 
-// In lower case; false when some may be missing.
+// In lower case, each with its alternate name; false when some may be missing.
 bool TreeListing::GatherFiles(StringList& names) {
   if (!names.Create() || !path_.Append(kAllEntries)) return false;
   FileSearch files(path_.c_str());
@@ -204,16 +202,19 @@ bool TreeListing::GatherFiles(StringList& names) {
     if (IsFolder(files.entry())) continue;
     char name[MAX_PATH];
     CopyText(name, files.entry().cFileName);
-    if (names.Append(CharLowerA(name)) < 0) return false;
+    if (names.Append(CharLowerA(name), files.entry().cAlternateFileName) < 0) return false;
   }
   return !files.broke_off();
 }
 
-void TreeListing::WriteFile(const char* name) {
+void TreeListing::WriteFile(const char* name, const char* alternate) {
   WriteMargin(innermost_->level - 1);
   report_.WriteFormatted("|---%-25s", name);
-  if (path_.Append(name)) {
-    WriteFileFacts(name);
+  const char* const usable = UsableName(name, alternate);
+  if (usable == nullptr) {
+    report_.WriteText(kNameUnusable);
+  } else if (path_.Append(usable)) {
+    WriteFileFacts();
     path_.Cut(innermost_->path_length);
   } else {
     report_.WriteText(kPathTooLong);
@@ -222,11 +223,11 @@ void TreeListing::WriteFile(const char* name) {
 }
 
 // Of the file that the path leads to: the date, the size and the version.
-void TreeListing::WriteFileFacts(const char* name) {
+void TreeListing::WriteFileFacts() {
   char version[kVersionTextSize];
   ReadFileVersionItem(path_.c_str(), "FileVersion", version);
   FileSearch search(path_.c_str());
-  if (!FindAgain(search, name)) {
+  if (!search.found()) {
     report_.WriteText(kFileUnread);
     return;
   }
@@ -312,7 +313,7 @@ bool WriteFolder(ItemRun& run, const char* path, bool whole) {
     return false;
   }
   ListFolderTree(run.report, PathFromInside(path), whole);
-  SetCurrentDirectoryA(run.program_folder);
+  EnterFolder(run.program_folder);
   return true;
 }
 

@@ -11,8 +11,9 @@ namespace hostscope {
 // hold for the current folder.
 //
 // Whatever could not be listed is named by a line in parentheses in its place: a path that does not
-// fit into 260 characters, a link to a folder (it may lead back), a listing that broke off, a file
-// that has gone, want of memory. Only a folder that cannot be listed at all has no such line.
+// fit into 260 characters, a name that leads nowhere, a link to a folder (it may lead back), a
+// listing that broke off, a file that has gone, want of memory. Only a folder that cannot be listed
+// at all has no such line.
 void ListFolderTree(ReportWriter& report, const char* folder, bool whole);
 
 // The Folders & files section below its banner; false when no folder could be entered.

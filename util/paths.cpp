@@ -29,6 +29,12 @@ void StripSeparator(char* folder) {
   if (last == '\\' || last == '/') last = '\0';
 }
 
+bool EnterFolder(const char* folder) {
+  const bool drive_alone = folder[0] != '\0' && folder[1] == ':' && folder[2] == '\0';
+  const char root[] = {folder[0], ':', '\\', '\0'};
+  return SetCurrentDirectoryA(drive_alone ? root : folder) != 0;
+}
+
 OwnedText JoinPath(const char* folder, const char* name) {
   if (FindCharacter(name, ':') != nullptr) return DuplicateText(name);
   const std::size_t name_length = TextLength(name);

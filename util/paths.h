@@ -17,6 +17,10 @@ OwnedText ProgramFolder();
 // Removes one trailing backslash or slash, if there is one.
 void StripSeparator(char* folder);
 
+// Makes the folder the current one; false when it cannot be. "C:" is the root of the drive here, as
+// the folder of a program in a root is written; to the platform it is the drive's current folder.
+bool EnterFolder(const char* folder);
+
 // The path of a name in a folder. A name that holds a colon anywhere is a complete path and comes
 // back unchanged. Otherwise folder and name are joined by exactly one backslash; an empty name
 // gives the folder, an empty folder a backslash and the name. None when there is no memory.

@@ -12,10 +12,14 @@ void ReleaseElement(char* element) {
   HeapFree(GetProcessHeap(), 0, element);
 }
 
-char* CopyElement(const char* text) {
+// The companion, where there is one, stands behind the text's terminator.
+char* CopyElement(const char* text, const char* companion) {
   const std::size_t size = TextLength(text) + 1;
-  char* const copy = static_cast<char*>(HeapAlloc(GetProcessHeap(), 0, size));
-  if (copy != nullptr) CopyText(copy, size, text);
+  const std::size_t companion_size = companion == nullptr ? 0 : TextLength(companion) + 1;
+  char* const copy = static_cast<char*>(HeapAlloc(GetProcessHeap(), 0, size + companion_size));
+  if (copy == nullptr) return nullptr;
+  CopyText(copy, size, text);
+  if (companion != nullptr) CopyText(copy + size, companion_size, companion);
   return copy;
 }
 
@@ -27,7 +31,11 @@ bool StringList::Create(std::size_t growth) {
 }
 
 int StringList::Append(const char* text) {
-  char* const copy = CopyElement(text);
+  return Append(text, nullptr);
+}
+
+int StringList::Append(const char* text, const char* companion) {
+  char* const copy = CopyElement(text, companion);
   if (copy == nullptr) return -1;
   const int index = texts_.Append(&copy);
   if (index < 0) ReleaseElement(copy);
@@ -37,6 +45,11 @@ int StringList::Append(const char* text) {
 const char* StringList::Get(int index) const {
   const auto* const element = texts_.GetAs<char*>(index);
   return element == nullptr ? nullptr : *element;
+}
+
+const char* StringList::Companion(int index) const {
+  const char* const element = Get(index);
+  return element == nullptr ? nullptr : element + TextLength(element) + 1;
 }
 
 void StringList::Sort() {

@@ -20,10 +20,14 @@ class StringList {
   // Appends a private copy of the text: its index, or -1 (list unchanged) when the list is absent
   // or memory ran out.
   int Append(const char* text);
+  // The same, with a second text that stays with the first one and does not count when sorting.
+  int Append(const char* text, const char* companion);
   // Number of elements; 0 for an absent list.
   int count() const { return texts_.count(); }
   // The element, owned by the list; null for an index outside 0 .. count() - 1.
   const char* Get(int index) const;
+  // The text that was appended with the element, which must have one.
+  const char* Companion(int index) const;
   // Orders the elements by the platform's case-sensitive text comparison (lstrcmpA).
   void Sort();
   // Releases every element; the list is absent afterwards. Nothing happens to an absent one.

@@ -133,33 +133,15 @@ bool IsFolder(const fs::path& path) {
   return fs::is_directory(path, error);
 }
 
-DWORD ListFolder(const fs::path& folder, std::vector<FileSystem::Entry>& entries) {
-  std::error_code error;
-  fs::directory_iterator entry(folder, error);
-  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-    entries.push_back({FileSystem::NameOf(entry->path()), entry->path()});
-  }
-  if (error) return ErrorFromErrno(error.value());
-  std::sort(entries.begin(), entries.end(), [](const auto& left, const auto& right) {
-    if (!EqualNoCase(left.name, right.name)) return NoCaseLess()(left.name, right.name);
-    return left.path < right.path;
-  });
-  return ERROR_SUCCESS;
-}
-
 // Goes from the folder to what the component names in it; false when it is not there, and the path
 // is then the one under which it would be made.
-bool Descend(fs::path& path, const std::string& component) {
+bool Descend(FolderListings& listings, fs::path& path, const std::string& component) {
   const fs::path folder = path;
   path = folder / Utf8FromCodePage(component);
   if (Exists(path)) return true;
-  std::vector<FileSystem::Entry> entries;
-  if (ListFolder(folder, entries) != ERROR_SUCCESS) return false;
-  const auto found = std::find_if(entries.begin(), entries.end(), [&](const auto& entry) {
-    return EqualNoCase(entry.name, component) && Exists(entry.path);
-  });
-  if (found == entries.end()) return false;
-  path = found->path;
+  const fs::path found = listings.Find(folder, component);
+  if (found.empty()) return false;
+  path = found;
   return true;
 }
 
@@ -170,7 +152,8 @@ bool IsPossibleName(const Parts& parts, const std::string& component) {
   return component.find_first_of(forbidden) == std::string::npos;
 }
 
-DWORD Walk(const Parts& parts, const fs::path& start, FileSystem::Place& place) {
+DWORD Walk(const Parts& parts, const fs::path& start, FolderListings& listings,
+           FileSystem::Place& place) {
   place.path = start;
   place.own = parts.drive == 0;
   place.root = parts.components.empty();
@@ -178,7 +161,9 @@ DWORD Walk(const Parts& parts, const fs::path& start, FileSystem::Place& place) 
   place.name = place.own ? std::string() : std::string{parts.drive, ':'};
   for (const std::string& component : parts.components) {
     if (!place.exists || !IsFolder(place.path)) return ERROR_PATH_NOT_FOUND;
-    place.exists = Descend(place.path, component);
+    // Never a part of a name, although searches show it where the code page lacks a character.
+    if (!place.own && component.find('?') != std::string::npos) return ERROR_INVALID_NAME;
+    place.exists = Descend(listings, place.path, component);
     if (!place.exists && component.size() > NAME_MAX) return ERROR_FILENAME_EXCED_RANGE;
     if (!place.exists && !IsPossibleName(parts, component)) return ERROR_INVALID_NAME;
     place.name += (place.own ? '/' : '\\') + component;
@@ -258,7 +243,7 @@ DWORD FileSystem::Locate(std::string_view path, Place& place) const {
   const std::optional<fs::path> start = parts.drive != 0 ? DriveFolder(parts.drive) : fs::path("/");
   if (!start) return ERROR_PATH_NOT_FOUND;
   place = Place();
-  if (const DWORD error = Walk(parts, *start, place)) return error;
+  if (const DWORD error = Walk(parts, *start, listings_, place)) return error;
   // A final separator asks for a folder.
   if (!IsSeparator(path.back()) || place.folder) return ERROR_SUCCESS;
   return place.exists ? ERROR_INVALID_NAME : ERROR_FILE_NOT_FOUND;
@@ -320,15 +305,12 @@ DWORD FileSystem::ReadWhole(std::string_view path, std::string& content) const {
   }
 }
 
-std::string FileSystem::NameOf(const fs::path& path) {
-  const std::string name = path.filename().string();
-  // A name is UTF-8 unless somebody else made it; then its bytes are taken as they are.
-  return IsUtf8(name) ? CodePageFromUtf8WithMarks(name) : name;
-}
-
 DWORD FileSystem::List(const Place& folder, std::vector<Entry>& entries) const {
   entries.clear();
-  return ListFolder(folder.path, entries);
+  std::shared_ptr<const FolderListing> listing;
+  if (const DWORD error = listings_.List(folder.path, listing)) return error;
+  entries = listing->entries;
+  return ERROR_SUCCESS;
 }
 
 std::string FileSystem::CurrentFolder() const {

@@ -7,8 +7,10 @@
 // names are compared without regard to case unless a file of exactly that name is there.
 //
 // Paths of the interface are in code page 1252; std::filesystem paths are UTF-8, as on disk. A
-// character of a name on disk that the code page does not have is a "?" in the interface, and such
-// a name is found by its "?".
+// character of a name on disk that the code page does not have is a "?" in the interface. On a
+// drive such a name can't be used, as on Windows, but the short one that searches give beside it
+// (folder_listings.h); among the user's own files it is found by its "?", too, so that the program
+// can stand in a folder of any name.
 #pragma once
 
 #include <sys/types.h>
@@ -23,6 +25,7 @@
 #include <vector>
 
 #include "platform/host/code_page.h"
+#include "platform/host/folder_listings.h"
 #include "platform/host/handles.h"
 #include "platform/host/windows_types.h"
 
@@ -72,11 +75,7 @@ class FileSystem {
     bool root = false;  // the topmost folder of its drive, or "/"
   };
 
-  // One entry of a folder: its name in code page 1252 and where it is on disk.
-  struct Entry {
-    std::string name;
-    std::filesystem::path path;
-  };
+  using Entry = FolderEntry;
 
   FileSystem();
 
@@ -115,8 +114,9 @@ class FileSystem {
   // The path of a file that has a stated size and is not there; empty: there is none.
   std::string MissingSizedFile() const;
 
-  // The name, as the program sees it, of what the path on disk ends in.
-  static std::string NameOf(const std::filesystem::path& path);
+  // Whether searches tell the short names; a volume may have been made without them.
+  bool tells_short_names = true;
+
   // What is in a folder, sorted by name without regard to case; 0 or the error.
   DWORD List(const Place& folder, std::vector<Entry>& entries) const;
 
@@ -133,6 +133,7 @@ class FileSystem {
   std::string current_folder_ = "C:\\";
   std::map<std::string, std::uint64_t, NoCaseLess> write_times_;
   std::shared_ptr<FileClaims> claims_;
+  mutable FolderListings listings_;
 };
 
 // The platform's error code for an errno.

@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/host/code_page.h"
@@ -108,12 +109,14 @@ class Search : public Object {
   DWORD Next(WIN32_FIND_DATAA& data) {
     for (; next_ < entries_.size(); ++next_) {
       FileFacts facts;
-      if (ReadFileFacts(entries_[next_].path, facts) != ERROR_SUCCESS) continue;
-      const std::string& name = entries_[next_].name;
+      const FileSystem::Entry& entry = entries_[next_];
+      if (ReadFileFacts(entry.path, facts) != ERROR_SUCCESS) continue;
+      ++next_;
       const FileSystem& files = CurrentMachine().files;
-      facts.size = files.StatedSize(entries_[next_++].path).value_or(facts.size);
-      facts.write_time = files.StatedWriteTime(folder_ + "\\" + name).value_or(facts.write_time);
-      Fill(name, facts, data);
+      facts.size = files.StatedSize(entry.path).value_or(facts.size);
+      facts.write_time =
+          files.StatedWriteTime(folder_ + "\\" + entry.name).value_or(facts.write_time);
+      Fill(entry, facts, data);
       return ERROR_SUCCESS;
     }
     return ERROR_NO_MORE_FILES;
@@ -125,13 +128,15 @@ class Search : public Object {
   }
 
   // The other two times are given as that of the last writing: Linux doesn't keep both.
-  static void Fill(const std::string& name, const FileFacts& facts, WIN32_FIND_DATAA& data) {
+  static void Fill(const FileSystem::Entry& entry, const FileFacts& facts, WIN32_FIND_DATAA& data) {
     std::memset(&data, 0, sizeof(data));
     data.dwFileAttributes = facts.attributes;
     data.ftCreationTime = data.ftLastAccessTime = data.ftLastWriteTime = TimeOf(facts.write_time);
     data.nFileSizeHigh = static_cast<DWORD>(facts.size >> 32);
     data.nFileSizeLow = static_cast<DWORD>(facts.size);
-    name.copy(data.cFileName, sizeof(data.cFileName) - 1);
+    entry.name.copy(data.cFileName, sizeof(data.cFileName) - 1);
+    if (CurrentMachine().files.tells_short_names)
+      entry.alternate.copy(data.cAlternateFileName, sizeof(data.cAlternateFileName) - 1);
   }
 
   std::string folder_;
@@ -151,8 +156,13 @@ DWORD FindOne(const FileSystem& files, std::string_view path, std::string& folde
   if (const DWORD error = files.Locate(path, place)) return error;
   const char last = path.back();
   if (!place.exists || place.root || last == '\\' || last == '/') return ERROR_FILE_NOT_FOUND;
-  entries = {{FileSystem::NameOf(place.path), place.path}};
-  folder = place.name.substr(0, LastComponent(place.name) - 1);
+  const std::size_t begin = LastComponent(place.name);
+  folder = place.name.substr(0, begin - 1);
+  FileSystem::Entry entry{NameOnDisk(place.path), place.path, ""};
+  // Nothing but its short name leads here.
+  if (entry.name.find('?') != std::string::npos)
+    entry.alternate = UpperCase(place.name.substr(begin));
+  entries = {std::move(entry)};
   return ERROR_SUCCESS;
 }
 
@@ -168,7 +178,7 @@ DWORD FindMatching(const FileSystem& files, std::string_view path, std::string& 
   // The topmost folder's name has its separator.
   folder = place.root ? place.name.substr(0, place.name.size() - 1) : place.name;
   if (!place.root) {
-    entries.insert(entries.begin(), {{".", place.path}, {"..", place.path.parent_path()}});
+    entries.insert(entries.begin(), {{".", place.path, ""}, {"..", place.path.parent_path(), ""}});
   }
   const std::string pattern = PreparePattern(path.substr(begin));
   std::erase_if(entries, [&](const auto& e) { return !Fits(pattern, UpperCase(e.name)); });

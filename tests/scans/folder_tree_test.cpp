@@ -22,9 +22,14 @@ class FolderTree : public testing::Test {
     machine_.files.StateWriteTime("*", 134394768000000000);
   }
 
-  // The report's lines below the section's heading, for the entries.
+  // The report's lines below the section's heading, for the entries. Whatever becomes of them,
+  // nothing stays open and the program folder is the current one again.
   std::string Tree(const std::string& entries) {
+    const auto open = machine_.handles.OpenObjects();
     run_.Run("[FOLDERS]\r\n" + entries);
+    DestroyLists(run_.settings());
+    EXPECT_EQ(machine_.handles.OpenObjects(), open) << entries;
+    EXPECT_EQ(machine_.files.CurrentFolder(), program_folder_) << entries;
     const std::string report = run_.Report();
     const std::string heading =
         "\r\n\r\nFolders & Files:      [path]   [last write date]   [size]   [version]\r\n\r\n";
@@ -42,6 +47,7 @@ class FolderTree : public testing::Test {
   test::ReportRun run_;
   host::Machine& machine_ = run_.machine();
   const fs::path disk_ = run_.folder().path() / "C";
+  std::string program_folder_ = run_.folder().path();
 };
 
 TEST_F(FolderTree, DateSizeAndVersion) {
@@ -122,12 +128,34 @@ TEST_F(FolderTree, Entries) {
     EXPECT_EQ(Status(),
               row.entered ? "Folders...               Ok" : "Folders...               Failed")
         << row.entry;
-    EXPECT_EQ(machine_.files.CurrentFolder(), run_.folder().path()) << row.entry;
   }
   const std::string program = run_.folder().path().string();
   EXPECT_TRUE(Tree("<run folder>,0\r\n").starts_with(program + "\r\n|---\\C\r\n|---report.txt  "));
   // Relative to the program folder; times of files on no drive are their own.
   EXPECT_TRUE(Tree("C\\App\r\n").starts_with("C\\App\r\n|---a   "));
+}
+
+TEST_F(FolderTree, OfAProgramInARoot) {
+  Write("Data/a");
+  run_.state().program_folder = DuplicateText("C:");
+  program_folder_ = "C:\\";
+  EXPECT_EQ(Tree("C:\\Data\r\n"), "C:\\Data\r\n" + File("a") + "\r\n");
+}
+
+TEST_F(FolderTree, NamesOutsideOfTheCodePage) {
+  Write("T/\xE6\x97\xA5\xE6\x9C\xAC/a");
+  Write("T/\xE4\xB8\xAD.dll", test::Bytes({.fixed = {{1, 0, 0, 1}}}));
+  Write("T/\xE6\x9C\xAC.dll", test::Bytes({.fixed = {{2, 0, 0, 2}}}) + "12");
+  Write("T/a.dll");
+  const std::string name = "|---?.dll                    ";
+  EXPECT_EQ(Tree("C:\\T,1\r\n"), "C:\\T\r\n|---\\??\r\n|   " + File("a") + "|   \r\n" + name +
+                                     "18.11.26      1024 b     1.0.0.1\r\n" + name +
+                                     "18.11.26      1026 b     2.0.0.2\r\n" + File("a.dll") +
+                                     "\r\n");
+  machine_.files.tells_short_names = false;
+  const std::string unusable = "(name can not be used)\r\n";
+  EXPECT_EQ(Tree("C:\\T,1\r\n"), "C:\\T\r\n|---\\??\r\n|   |---" + unusable + "|   \r\n" + name +
+                                     unusable + name + unusable + File("a.dll") + "\r\n");
 }
 
 TEST_F(FolderTree, WhatIsLeftOutIsSaid) {
@@ -201,7 +229,6 @@ TEST_F(FolderTree, WithoutMemory) {
   for (unsigned nth = 1; nth < 40; ++nth) {
     machine_.faults.FailNth("HeapAlloc", nth, ERROR_NOT_ENOUGH_MEMORY);
     seen.insert(Tree("C:\\M,1\r\n"));
-    DestroyLists(run_.settings());
   }
   for (const std::string& line : lines)
     EXPECT_TRUE(seen.contains(line)) << line;

@@ -85,8 +85,8 @@ inline std::string VersionBlock(const VersionedFile& file) {
 // The section with the resource begins here in the file; its first 88 bytes lead to the block.
 inline constexpr std::size_t kVersionSection = 0x200;
 
-inline std::string Bytes(const VersionedFile& file) {
-  const std::string block = VersionBlock(file);
+// The file around a resource of its own making.
+inline std::string BytesOf(const std::string& block, const VersionedFile& file) {
   const auto block_size = static_cast<std::uint32_t>(block.size());
   const auto folder = [](std::uint32_t id, std::uint32_t target) {
     return LittleEndian({0, 0, 0, 0x10000, id, target});
@@ -109,6 +109,10 @@ inline std::string Bytes(const VersionedFile& file) {
       Filled(optional, optional_size) + Filled(".rsrc", 8) +
       LittleEndian({section_size, 0x1000, section_size, kVersionSection, 0, 0, 0, 0x40000040});
   return Filled(header, kVersionSection) + section;
+}
+
+inline std::string Bytes(const VersionedFile& file) {
+  return BytesOf(VersionBlock(file), file);
 }
 
 }  // namespace hostscope::test

@@ -53,12 +53,16 @@ TEST(DllVersions, AreTheLibrariesOwn) {
   }
 }
 
+std::wstring WidePath(const Folder& folder, const std::wstring& name) {
+  return std::wstring(folder.path().begin(), folder.path().end()) + L"\\" + name;
+}
+
 // Every file of the tree was written on 9 February 2004.
-void MakeFile(const Folder& folder, const std::string& name, const std::string& bytes,
+void MakeFile(const Folder& folder, const std::wstring& name, const std::string& bytes,
               LONGLONG size) {
-  const HANDLE file =
-      CreateFileA(folder.Path(name).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-  ASSERT_NE(file, INVALID_HANDLE_VALUE) << name;
+  const HANDLE file = CreateFileW(WidePath(folder, name).c_str(), GENERIC_WRITE, 0, nullptr,
+                                  CREATE_ALWAYS, 0, nullptr);
+  ASSERT_NE(file, INVALID_HANDLE_VALUE);
   DWORD done = 0;
   WriteFile(file, bytes.data(), bytes.size(), &done, nullptr);
   LONG high = static_cast<LONG>(size >> 32);
@@ -75,12 +79,12 @@ TEST(Folders, AreListedAsTrees) {
   const Folder folder;
   for (const char* name : {"T", "T\\Sub", "T\\Sub\\Void", "T\\Last"})
     folder.MakeFolder(name);
-  MakeFile(folder, "T\\Sub\\Plain.Txt", "abc", 3);
-  MakeFile(folder, "T\\co-op.dll", Bytes({.fixed = {{5, 0, 2, 1}}}), 2048);
-  MakeFile(folder, "T\\COOP.DLL",
+  MakeFile(folder, L"T\\Sub\\Plain.Txt", "abc", 3);
+  MakeFile(folder, L"T\\co-op.dll", Bytes({.fixed = {{5, 0, 2, 1}}}), 2048);
+  MakeFile(folder, L"T\\COOP.DLL",
            Bytes({.strings = {{"FileVersion", "a text"}}, .translation = {}, .string_length = 99}),
            1024);
-  MakeFile(folder, "T\\a name that is longer than its column", "", 5000000000);
+  MakeFile(folder, L"T\\a name that is longer than its column", "", 5000000000);
   const RegistryValue value = RegistryValue::Text(HKEY_CURRENT_USER, "Software\\HostscopeTests",
                                                   "Folder", folder.Path("T") + "\\");
   const std::string files =
@@ -112,6 +116,21 @@ TEST(Folders, AreListedAsTrees) {
                                folder.path() + "\r\n|---\\T\r\n|---hscope.exe  ";
   EXPECT_EQ(text.substr(0, expected.size()), expected);
   EXPECT_EQ(list.front(), ProgressLine("Folders...", "Ok"));
+}
+
+TEST(Folders, HaveNamesOutsideOfTheCodePage) {
+  const Folder folder;
+  folder.MakeFolder("T");
+  CreateDirectoryW(WidePath(folder, L"T\\\u65E5\u672C").c_str(), nullptr);
+  MakeFile(folder, L"T\\\u65E5\u672C\\a", "abc", 3);
+  MakeFile(folder, L"T\\\u4E2D.dll", Bytes({.fixed = {{1, 0, 0, 1}}}), 1024);
+  MakeFile(folder, L"T\\\u672C.dll", Bytes({.fixed = {{2, 0, 0, 2}}}), 1025);
+  const std::string report = ReportOf(folder, "[FOLDERS]\r\n" + folder.Path("T") + ",1\r\n");
+  for (const std::string line :
+       {"|---\\??\r\n|   |---a                        09.02.04         3 b",
+        "\r\n|---?.dll                    09.02.04      1024 b     1.0.0.1",
+        "\r\n|---?.dll                    09.02.04      1025 b     2.0.0.2"})
+    EXPECT_NE(report.find(line), std::string::npos) << line << report;
 }
 
 }  // namespace

@@ -4,8 +4,11 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <chrono>
+#include <ctime>
 #include <filesystem>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "platform/host/kernel32.h"
@@ -115,6 +118,7 @@ TEST_F(FileSystemTest, Locate) {
 TEST_F(FileSystemTest, CurrentFolderIsAFullPath) {
   EXPECT_EQ("C:\\", machine_.files.CurrentFolder());
   EXPECT_EQ(0u, machine_.files.SetCurrentFolder("windows\\SYSTEM\\"));
+  EXPECT_EQ(0u, machine_.files.SetCurrentFolder("C:"));
   EXPECT_EQ("C:\\windows\\SYSTEM", machine_.files.CurrentFolder());
   EXPECT_EQ(0u, machine_.files.SetCurrentFolder(own_ + "\\profiles"));
   EXPECT_EQ(own_ + "/profiles", machine_.files.CurrentFolder());
@@ -142,6 +146,53 @@ TEST_F(FileSystemTest, NamesAreInTheCodePage) {
   EXPECT_EQ(0u, machine_.files.ReadWhole(own_ + "\\??.txt", content));
   EXPECT_EQ("not in the code page", content);
   EXPECT_EQ(". .. ??.txt full.ini M\xFCller.txt profiles \xFFz.txt", Find(own_ + "\\*"));
+}
+
+TEST_F(FileSystemTest, NamesOutsideOfTheCodePageHaveShortOnes) {
+  Write("c/\xE6\x97\xA5/\xE4\xB8\xAD", "first");
+  Write("c/\xE6\x97\xA5/\xE6\x9C\xAC", "second");
+  EXPECT_EQ("error 123", Locate("C:\\?"));
+  EXPECT_EQ("error 123", Find("C:\\?\\*"));
+  WIN32_FIND_DATAA data;
+  FindClose(FindFirstFileA("C:\\?", &data));
+  const std::string folder = std::string("C:\\") + data.cAlternateFileName + "\\";
+  EXPECT_EQ(". .. ? ?", Find(folder + "*"));
+  std::string contents;
+  const HANDLE search = FindFirstFileA((folder + "?").c_str(), &data);
+  do {
+    std::string content, name = folder + LowerCase(data.cAlternateFileName);
+    EXPECT_EQ(0u, machine_.files.ReadWhole(name, content)) << name;
+    EXPECT_EQ("?", Find(name));
+    contents += content + " ";
+  } while (FindNextFileA(search, &data));
+  FindClose(search);
+  EXPECT_EQ("first second ", contents);
+}
+
+TEST_F(FileSystemTest, ListingsAreKeptUntilTheFolderChanges) {
+  constexpr int kFiles = 400;
+  const fs::path many = folder_ / "many";
+  const auto name = [](char letter, int i) { return letter + std::to_string(i); };
+  for (int i = 0; i < kFiles; ++i)
+    Write("many/" + name('F', i), "");
+  std::this_thread::sleep_for(std::chrono::milliseconds(60));
+  std::shared_ptr<const FolderListing> listing;
+  std::clock_t begin = std::clock();
+  for (int i = 0; i < 20; ++i)
+    ASSERT_EQ(0u, FolderListings().List(many, listing));
+  const std::clock_t twenty_listings = std::clock() - begin;
+  begin = std::clock();
+  FolderListings kept;
+  for (int i = 0; i < kFiles; ++i)
+    ASSERT_EQ(many / name('F', i), kept.Find(many, name('f', i)));
+  EXPECT_LT(std::clock() - begin, 4 * twenty_listings);
+  // However fast the changes come.
+  for (int i = 0; i < 50; ++i) {
+    Write("many/" + name('N', i), "");
+    ASSERT_EQ(many / name('N', i), kept.Find(many, name('n', i)));
+  }
+  fs::remove(many / "N0");
+  EXPECT_EQ("", kept.Find(many, "n0"));
 }
 
 TEST_F(FileSystemTest, DrivesAreReadOnly) {
