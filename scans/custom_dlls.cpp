@@ -42,6 +42,8 @@ void RunEntry(ItemRun& run, char* entry) {
       library == nullptr ? "Absent" : StatusOf(FindPlugIn(library, name), run.report);
   run.progress.ReplaceWithStatus(label, status);
   if (library != nullptr) FreeLibrary(library);
+  // The library may have made another folder current, also one that could not be loaded.
+  SetCurrentDirectoryA(run.program_folder);
 }
 
 }  // namespace

@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
-#include "util/registry.h"
+#include "util/text.h"
 
 namespace hostscope {
 namespace {
@@ -24,7 +25,8 @@ bool HasRoom(HeapBuffer& block, DWORD longest) {
 }  // namespace
 
 KeyWalk::KeyWalk(HKEY key, WalkReach reach, unsigned level) : reach_(reach), first_level_(level) {
-  Enter(key);
+  Figures figures;
+  if (AskFigures(key, figures)) Enter(key, figures);
 }
 
 KeyWalk::~KeyWalk() {
@@ -48,34 +50,61 @@ KeyWalk::OpenKey* KeyWalk::Deepest() {
   return depth_ == 0 ? nullptr : reinterpret_cast<OpenKey*>(keys_.data()) + depth_ - 1;
 }
 
-// False, and the key is none of the walk's, when it says nothing about itself.
-bool KeyWalk::Enter(HKEY key) {
-  OpenKey open = {.key = key};
-  DWORD subkeys = 0;
-  DWORD values = 0;
-  if (RegQueryInfoKeyA(key, nullptr, nullptr, nullptr, &subkeys, &open.longest_subkey, nullptr,
-                       &values, &open.longest_value_name, &open.longest_data, nullptr,
-                       nullptr) != ERROR_SUCCESS) {
-    return false;
-  }
-  // Most keys of a tree have no subkeys or no values. Nothing that they get now would fit into the
-  // room for nothing, and a call that says so costs as much as one that reads a value.
-  open.subkeys_done = reach_ == WalkReach::kValues || subkeys == 0;
-  open.values_done = values == 0;
+bool KeyWalk::AskFigures(HKEY key, Figures& figures) {
+  return RegQueryInfoKeyA(key, nullptr, nullptr, nullptr, &figures.subkeys, &figures.longest_subkey,
+                          nullptr, &figures.values, &figures.longest_value_name,
+                          &figures.longest_data, nullptr, &figures.written) == ERROR_SUCCESS;
+}
+
+// False, and the key is none of the walk's, when there is no memory for it.
+bool KeyWalk::Enter(HKEY key, const Figures& figures) {
   const std::size_t needed = (depth_ + 1) * sizeof(OpenKey);
   if (needed > keys_.size() && !keys_.Resize(needed * 2)) return false;
   ++depth_;
-  *Deepest() = open;
+  // Most keys of a tree have no subkeys or no values. Nothing that they get now would fit into the
+  // room for nothing, and a call that says so costs as much as one that reads a value.
+  *Deepest() = {.key = key,
+                .figures = figures,
+                .subkeys_done = reach_ == WalkReach::kValues || figures.subkeys == 0,
+                .values_done = figures.values == 0};
   return true;
 }
 
-// A name that begins with a zero, as a key of NT may have, reads as an empty one; that would open
-// the key itself again, and the walk would never end.
+// A name of NT may read as one that leads elsewhere: one that begins with a zero is empty and would
+// open the key itself, and a character that the code page lacks may read as a backslash, which
+// alone opens a root again. The walk would never end.
 void KeyWalk::EnterSubkey() {
-  if (name()[0] == '\0') return;
+  if (name()[0] == '\0' || FindCharacter(name(), '\\') != nullptr) return;
   HKEY key = nullptr;
   if (RegOpenKeyExA(Deepest()->key, name(), 0, kWalkAccess, &key) != ERROR_SUCCESS) return;
-  if (!Enter(key)) RegCloseKey(key);
+  Figures figures;
+  if (!AskFigures(key, figures) || LeadsBack(figures) || !Enter(key, figures)) RegCloseKey(key);
+}
+
+// Whether the subkey, which says this about itself, is a link to an open key. Links look like the
+// keys that they lead to; only one that looks like an open key is asked whether it is a link. An
+// ordinary key may well look like one above it, and so may, behind a link, the key that the walk
+// began with: a way round always ends at its link.
+bool KeyWalk::LeadsBack(const Figures& figures) {
+  if (figures.subkeys == 0) return false;
+  const OpenKey* const first = reinterpret_cast<const OpenKey*>(keys_.data());
+  if (std::none_of(first, first + depth_, [&figures](const OpenKey& open) {
+        return std::memcmp(&open.figures, &figures, sizeof figures) == 0;
+      })) {
+    return false;
+  }
+  HKEY link = nullptr;
+  const LONG error =
+      RegOpenKeyExA(Deepest()->key, name(), REG_OPTION_OPEN_LINK, KEY_QUERY_VALUE, &link);
+  // What it leads to may be read and it may not: then they are two. Systems without links may
+  // refuse the option in other words.
+  if (error != ERROR_SUCCESS) return error == ERROR_ACCESS_DENIED;
+  DWORD type = REG_NONE;
+  const bool is_link = RegQueryValueExA(link, "SymbolicLinkValue", nullptr, &type, nullptr,
+                                        nullptr) == ERROR_SUCCESS &&
+                       type == REG_LINK;
+  RegCloseKey(link);
+  return is_link;
 }
 
 void KeyWalk::Leave() {
@@ -86,13 +115,13 @@ void KeyWalk::Leave() {
 bool KeyWalk::ReadSubkey(OpenKey& open) {
   if (open.subkeys_done) return false;
   open.subkeys_done = true;
-  if (!HasRoom(name_, open.longest_subkey)) return false;
-  DWORD length = open.longest_subkey + 1;
+  if (!HasRoom(name_, open.figures.longest_subkey)) return false;
+  DWORD length = open.figures.longest_subkey + 1;
   if (RegEnumKeyExA(open.key, open.next_subkey, name_.data(), &length, nullptr, nullptr, nullptr,
                     nullptr) != ERROR_SUCCESS) {
     return false;
   }
-  name_.data()[open.longest_subkey] = '\0';
+  name_.data()[open.figures.longest_subkey] = '\0';
   open.subkeys_done = false;
   ++open.next_subkey;
   return true;
@@ -100,15 +129,17 @@ bool KeyWalk::ReadSubkey(OpenKey& open) {
 
 bool KeyWalk::ReadValue(OpenKey& open) {
   if (open.values_done) return false;
-  if (!HasRoom(name_, open.longest_value_name) || !HasRoom(data_, open.longest_data)) return false;
-  DWORD length = open.longest_value_name + 1;
-  DWORD size = open.longest_data;
+  if (!HasRoom(name_, open.figures.longest_value_name) ||
+      !HasRoom(data_, open.figures.longest_data))
+    return false;
+  DWORD length = open.figures.longest_value_name + 1;
+  DWORD size = open.figures.longest_data;
   if (RegEnumValueA(open.key, open.next_value, name_.data(), &length, nullptr, &type_,
                     reinterpret_cast<LPBYTE>(data_.data()), &size) != ERROR_SUCCESS) {
     return false;
   }
-  name_.data()[open.longest_value_name] = '\0';
-  data_size_ = std::min(size, open.longest_data);
+  name_.data()[open.figures.longest_value_name] = '\0';
+  data_size_ = std::min(size, open.figures.longest_data);
   data_.data()[data_size_] = '\0';
   ++open.next_value;
   return true;

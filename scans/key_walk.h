@@ -23,7 +23,8 @@ enum class WalkStep { kSubkey, kValue, kEnd };
 // values, everything in the system's order. A list of subkeys or of values ends at the first call
 // that gives none, also at a name or at data longer than the key said before; a list that the key
 // says is empty is not asked for. A key that says nothing about itself is empty; a subkey that does
-// not open, or for which there is no memory, is given by its name alone.
+// not open, that is a link back to a key above it, or for which there is no memory, is given by its
+// name alone.
 //
 // The walk keeps one record per open level, and room for one name and one value's data.
 class KeyWalk {
@@ -46,21 +47,30 @@ class KeyWalk {
   std::span<const char> data() const { return {data_.data(), data_size_}; }
 
  private:
-  // An open key, with what it said about itself: lengths in bytes, without terminators.
-  struct OpenKey {
-    HKEY key = nullptr;
+  // What a key says about itself: lengths in bytes, without terminators.
+  struct Figures {
+    DWORD subkeys = 0;
+    DWORD values = 0;
     DWORD longest_subkey = 0;
     DWORD longest_value_name = 0;
     DWORD longest_data = 0;
+    FILETIME written = {};  // Windows 95/98/Me have none
+  };
+
+  struct OpenKey {
+    HKEY key = nullptr;
+    Figures figures;
     DWORD next_subkey = 0;
     DWORD next_value = 0;
     bool subkeys_done = false;
     bool values_done = false;
   };
 
+  static bool AskFigures(HKEY key, Figures& figures);
   OpenKey* Deepest();
-  bool Enter(HKEY key);
+  bool Enter(HKEY key, const Figures& figures);
   void EnterSubkey();
+  bool LeadsBack(const Figures& figures);
   void Leave();
   bool ReadSubkey(OpenKey& open);
   bool ReadValue(OpenKey& open);

@@ -29,6 +29,8 @@ inline constexpr REGSAM KEY_EXECUTE = KEY_READ;
 inline constexpr REGSAM KEY_ALL_ACCESS = 0xF003F;
 inline constexpr ACCESS_MASK MAXIMUM_ALLOWED = 0x02000000;
 
+inline constexpr DWORD REG_OPTION_OPEN_LINK = 0x0008;
+
 inline constexpr DWORD REG_NONE = 0;
 inline constexpr DWORD REG_SZ = 1;
 inline constexpr DWORD REG_EXPAND_SZ = 2;

@@ -128,11 +128,13 @@ void GiveNumber(LPDWORD target, std::size_t number) {
   if (target != nullptr) *target = static_cast<DWORD>(number);
 }
 
-// Classes and times of keys are not kept.
-void GiveNoClassNorTime(LPSTR class_name, LPDWORD class_size, PFILETIME last_write) {
+// Classes of keys are not kept.
+void GiveTimeAndNoClass(const RegistryKey& key, LPSTR class_name, LPDWORD class_size,
+                        PFILETIME last_write) {
   if (class_name != nullptr && class_size != nullptr && *class_size != 0) *class_name = '\0';
   GiveNumber(class_size, 0);
-  if (last_write != nullptr) *last_write = FILETIME{};
+  if (last_write == nullptr) return;
+  *last_write = {static_cast<DWORD>(key.write_time), static_cast<DWORD>(key.write_time >> 32)};
 }
 
 LONG EnumerateKey(const KeyCall& call, DWORD index, LPSTR name, LPDWORD size) {
@@ -169,13 +171,14 @@ LongestValue FindLongestValue(const RegistryKey& key, bool is_nt) {
 
 using host::KeyCall;
 
-LONG WINAPI RegOpenKeyExA(HKEY key, LPCSTR subkey, DWORD, REGSAM access, PHKEY result) {
+LONG WINAPI RegOpenKeyExA(HKEY key, LPCSTR subkey, DWORD options, REGSAM access, PHKEY result) {
   KeyCall call("RegOpenKeyExA", key, 0);
   if (call.error() != 0) return call.error();
   if (result == nullptr) return ERROR_INVALID_PARAMETER;
   const std::string_view path = subkey == nullptr ? "" : subkey;
   if (const LONG error = host::CheckSubkeyPath(key, call.is_nt(), path)) return error;
-  const auto found = host::Registry::FindBelow(call.key(), path);
+  const bool link_itself = (options & REG_OPTION_OPEN_LINK) != 0;
+  const auto found = call.machine().registry.Open(call.key(), path, link_itself);
   if (found == nullptr) return ERROR_FILE_NOT_FOUND;
   if (found->open_error) return static_cast<LONG>(*found->open_error);
   const auto open = std::make_shared<host::OpenKey>(found, host::GrantedAccess(access));
@@ -222,8 +225,10 @@ LONG WINAPI RegEnumKeyExA(HKEY key, DWORD index, LPSTR name, LPDWORD size, LPDWO
     return ERROR_INVALID_PARAMETER;
   }
   const LONG error = host::EnumerateKey(call, index, name, size);
-  if (error == ERROR_SUCCESS) host::GiveNoClassNorTime(class_name, class_size, last_write);
-  return error;
+  if (error != ERROR_SUCCESS) return error;
+  const auto subkey = call.key()->subkeys.At(index, call.is_nt());
+  host::GiveTimeAndNoClass(*subkey, class_name, class_size, last_write);
+  return ERROR_SUCCESS;
 }
 
 LONG WINAPI RegEnumValueA(HKEY key, DWORD index, LPSTR name, LPDWORD name_size, LPDWORD reserved,
@@ -261,6 +266,6 @@ LONG WINAPI RegQueryInfoKeyA(HKEY key, LPSTR class_name, LPDWORD class_size, LPD
   }
   host::GiveNumber(longest_class, 0);
   host::GiveNumber(security_size, 0);
-  host::GiveNoClassNorTime(class_name, class_size, last_write);
+  host::GiveTimeAndNoClass(found, class_name, class_size, last_write);
   return ERROR_SUCCESS;
 }

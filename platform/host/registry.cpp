@@ -215,6 +215,18 @@ void Registry::MakeKey(std::string_view path) {
   MakePath(path);
 }
 
+void Registry::MakeLink(std::string_view path, std::string_view target) {
+  const std::lock_guard lock(mutex_);
+  RegistryKey& link = MakePath(path);
+  link.link_target = target;
+  link.SetValue("SymbolicLinkValue", kRegistryLink, std::string(target));
+}
+
+void Registry::SetWriteTime(std::string_view path, std::uint64_t time) {
+  const std::lock_guard lock(mutex_);
+  MakePath(path).write_time = time;
+}
+
 void Registry::DenyAccess(std::string_view path, DWORD error) {
   const std::lock_guard lock(mutex_);
   MakePath(path).open_error = error;
@@ -253,6 +265,29 @@ std::shared_ptr<RegistryKey> Registry::FindBelow(std::shared_ptr<RegistryKey> ke
   while (key != nullptr && !path.empty()) {
     const std::string_view part = TakePart(path);
     if (!part.empty()) key = key->subkeys.FindShared(part);
+  }
+  return key;
+}
+
+std::shared_ptr<RegistryKey> Registry::Open(std::shared_ptr<RegistryKey> key, std::string_view path,
+                                            bool last_link_itself) const {
+  unsigned links_left = 32;
+  return Follow(std::move(key), path, last_link_itself, links_left);
+}
+
+std::shared_ptr<RegistryKey> Registry::Follow(std::shared_ptr<RegistryKey> key,
+                                              std::string_view path, bool last_link_itself,
+                                              unsigned& links_left) const {
+  while (key != nullptr && !path.empty()) {
+    const std::string_view part = TakePart(path);
+    if (part.empty()) continue;
+    key = key->subkeys.FindShared(part);
+    if (key == nullptr || key->link_target.empty()) continue;
+    if (last_link_itself && path.empty()) return key;
+    if (links_left-- == 0) return nullptr;
+    std::string_view target = key->link_target;
+    std::shared_ptr<RegistryKey> root = Root(HiveOfPath(target));
+    key = Follow(std::move(root), target, false, links_left);
   }
   return key;
 }

@@ -28,6 +28,7 @@ inline constexpr DWORD kRegistryText = 1;
 inline constexpr DWORD kRegistryExpandText = 2;
 inline constexpr DWORD kRegistryBinary = 3;
 inline constexpr DWORD kRegistryDword = 4;
+inline constexpr DWORD kRegistryLink = 6;
 inline constexpr DWORD kRegistryMultiText = 7;
 
 // True for the types whose data NT keeps as 16-bit text.
@@ -90,6 +91,8 @@ struct RegistryKey {
   std::string name;
   NamedItems<RegistryKey> subkeys;
   NamedItems<RegistryValue> values;
+  std::string link_target;          // a path that begins with a hive; empty: the key is no link
+  std::uint64_t write_time = 0;     // UTC, as a FILETIME
   std::optional<DWORD> open_error;  // opening the key fails with this
   bool removed = false;             // no longer in the tree, though a handle may still hold it
 };
@@ -120,6 +123,10 @@ class Registry {
   void SetDword(std::string_view path, std::string_view name, DWORD number);
   // Makes the key, empty when it is new.
   void MakeKey(std::string_view path);
+  // The key is a link from now on: who opens it, or a key below it, gets the target or a key below
+  // that. The target need not be there.
+  void MakeLink(std::string_view path, std::string_view target);
+  void SetWriteTime(std::string_view path, std::uint64_t time);
   // The key is made when needed. Opening it fails; keys below it open, as on NT.
   void DenyAccess(std::string_view path, DWORD error = ERROR_ACCESS_DENIED);
   // The key with all below it; false when there is none. A hive itself can't be removed.
@@ -137,6 +144,10 @@ class Registry {
   // None when there is no such key. An empty path is the key itself.
   static std::shared_ptr<RegistryKey> FindBelow(std::shared_ptr<RegistryKey> key,
                                                 std::string_view path);
+  // The same with links followed, also one that the path ends at unless it is asked for itself.
+  // None for links that lead to each other, too.
+  std::shared_ptr<RegistryKey> Open(std::shared_ptr<RegistryKey> key, std::string_view path,
+                                    bool last_link_itself) const;
   static RegistryKey& MakeBelow(RegistryKey& key, std::string_view path);
   // False when there is no such key below, or the path is empty.
   static bool RemoveBelow(RegistryKey& key, std::string_view path);
@@ -150,6 +161,8 @@ class Registry {
   Place PlaceOf(Hive hive) const;
   static Hive HiveOfPath(std::string_view& path);
   RegistryKey& MakePath(std::string_view path);
+  std::shared_ptr<RegistryKey> Follow(std::shared_ptr<RegistryKey> key, std::string_view path,
+                                      bool last_link_itself, unsigned& links_left) const;
 
   mutable std::recursive_mutex mutex_;
   std::shared_ptr<RegistryKey> local_machine_;

@@ -1,5 +1,5 @@
-// Keys and values of any kind through the whole registry dump and the scan for folders, while calls
-// fail and the registry changes: nothing crashes and nothing stays open.
+// Keys, values and links of any kind through the whole registry dump and the scan for folders,
+// while calls fail and the registry changes: nothing crashes and nothing stays open.
 
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -61,6 +61,12 @@ void Change(FuzzedDataProvider& input, host::Machine& machine) {
 
 void Describe(FuzzedDataProvider& input, host::Machine& machine) {
   machine.version.platform_id = input.ConsumeBool() ? 2 : 1;
+  // Of links that lead to each other every order is a way of its own, so that there are few.
+  const int links = input.ConsumeIntegralInRange(0, 3);
+  for (int i = 0; i < links; ++i) {
+    const std::string path = PickKey(input);
+    if (path != "HKLM\\K") machine.registry.MakeLink(path, PickKey(input));
+  }
   const int values = input.ConsumeIntegralInRange(0, 40);
   for (int i = 0; i < values; ++i)
     PutValue(input, machine.registry);

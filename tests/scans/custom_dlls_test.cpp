@@ -47,22 +47,29 @@ TEST(CustomDlls, WhatBecomesOfEachEntry) {
   EXPECT_EQ(machine.handles.OpenObjects(), open_before);
 }
 
-// Only the low eight bits of the result count, and what was written before is in the file.
-TEST(CustomDlls, ResultAndPosition) {
+// Only the low eight bits of the result count, what was written before is in the file, and the
+// current folder is the program's whatever the one before has done.
+TEST(CustomDlls, ResultPositionAndFolder) {
   static LONG position = 0;
+  static Lines folders;
   const auto look = +[](HANDLE report) -> unsigned char {
     LONG high = 0;
     position = static_cast<LONG>(SetFilePointer(report, 0, &high, FILE_CURRENT));
-    return 0x80;
+    char current[MAX_PATH] = "";
+    GetCurrentDirectoryA(MAX_PATH, current);
+    folders.emplace_back(current);
+    return SetCurrentDirectoryA("sub") ? 0x80 : 0;
   };
   const auto wide = +[](HANDLE) -> DWORD { return 0xFFFFFF00; };
   test::ReportRun run;
   run.machine().libraries.Add(
       {.name = "p.dll", .exports = {{"Look", host::Export(look)}, {"Wide", host::Export(wide)}}});
-  run.Run("[CUSTOM DLLS]\r\np.dll,Look\r\np.dll,Wide\r\n");
+  run.folder().Write("sub/file", "");
+  run.Run("[CUSTOM DLLS]\r\np.dll,Look\r\np.dll,Look\r\np.dll,Wide\r\n");
   EXPECT_EQ(position, static_cast<LONG>(run.Report().size()));
-  EXPECT_EQ(run.Progress(), (Lines{"Custom dlls:", "p.dll...                 Ok",
-                                   "p.dll...                 Failed"}));
+  EXPECT_EQ(run.Progress(),
+            (Lines{"Custom dlls:", "p.dll...                 Ok", "p.dll...                 Ok",
+                   "p.dll...                 Failed"}));
 }
 
 }  // namespace

@@ -47,13 +47,17 @@ class KeyScanRun : public testing::Test {
   void SetText(const char* key, const char* name, const std::string& text) {
     run_.machine().registry.SetText(std::string("HKLM\\K") + key, name, text);
   }
-  // The list of folders after a run with these entries, the report and the progress list otherwise
-  // untouched.
+  // The list of folders after a run with these entries. The report must be the one of a profile
+  // that names these folders itself.
   std::vector<std::string> FoldersAfter(std::string_view entries, std::string_view folders = "") {
     run_.Run("[SCAN KEYS]\r\n" + std::string(entries) + "\r\n[FOLDERS]\r\n" + std::string(folders));
     std::vector<std::string> found;
+    std::string named = "[FOLDERS]\r\n";
     for (int i = 0; i < run_.settings().folders.count(); ++i)
-      found.emplace_back(run_.settings().folders.Get(i));
+      named += found.emplace_back(run_.settings().folders.Get(i)) + "\r\n";
+    const std::string report = run_.Report();
+    run_.Run(named);
+    EXPECT_EQ(report, run_.Report()) << entries;
     return found;
   }
 

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "profile/catalogue.h"
@@ -119,6 +121,8 @@ TEST(RegistryKeys, Order) {
   registry.SetText("HKLM\\K\\B", "b", "4");
   registry.SetText("HKLM\\K\\A", "a", "5");
   registry.SetText("HKLM\\K\\\0hidden"s, "never", "0");  // opened by its name it would be K
+  // The same: it would be A.
+  host::Registry::FindBelow(registry.Root(host::Hive::kLocalMachine), "K")->MakeSubkey("A\\\0x"s);
   registry.DenyAccess("HKLM\\K\\Closed");
   registry.SetText("HKLM\\K\\Closed", "never", "6");
   run.Run(kReport + "HKLM\\K,1\r\n"s);
@@ -126,9 +130,59 @@ TEST(RegistryKeys, Order) {
             "HKEY_LOCAL_MACHINE\\K\r\n"
             "    \\\r\n"
             "    \\A\r\n        a=\"5\"\r\n"
+            "    \\A\\\r\n"
             "    \\B\r\n        \\C\r\n            deep=\"3\"\r\n        b=\"4\"\r\n"
             "    \\Closed\r\n"
             "    y=\"1\"\r\n    x=\"2\"\r\n\r\n");
+}
+
+// A link is entered unless it leads to a key that is open; what looks like one above it is no link.
+TEST(RegistryKeys, Links) {
+  struct Row {
+    const char* what;
+    std::function<void(host::Registry&)> arrange;
+    std::string expected;  // below the heading
+    const char* key = "K";
+  };
+  const auto two_links = [](host::Registry& r) {
+    r.MakeLink("HKLM\\K\\A\\1", "HKLM\\L");
+    r.MakeLink("HKLM\\L\\2", "HKLM\\K\\A");
+    r.SetWriteTime("HKLM\\L", 1);  // nothing else tells it from K and A
+  };
+  const Row rows[] = {
+      {"to the key it is in", [](auto& r) { r.MakeLink("HKLM\\K\\A\\self", "HKLM\\K\\A"); },
+       "\\A \\self v=02 v=01 "},
+      {"two levels up", [](auto& r) { r.MakeLink("HKLM\\K\\A\\B\\up", "HKLM\\K"); },
+       "\\A \\B \\up v=02 v=01 "},
+      {"two links", two_links, "\\A \\1 \\2 v=03 v=02 v=01 "},
+      {"two links, from below", two_links, "\\1 \\2 v=03 v=02 ", "K\\A"},
+      {"beyond the first key", [](auto& r) { r.MakeLink("HKLM\\K\\A\\up", "HKLM\\K"); },
+       "\\up \\A \\up v=02 v=01 v=02 ", "K\\A"},
+      {"that can not be read",
+       [](auto& r) {
+         r.MakeLink("HKLM\\K\\A\\self", "HKLM\\K\\A");
+         r.DenyAccess("HKLM\\K\\A\\self");
+       },
+       "\\A \\self v=02 v=01 "},
+      {"to another key", [](auto& r) { r.MakeLink("HKLM\\K\\other", "HKLM\\L"); },
+       "\\A v=02 \\other v=03 v=01 "},
+      {"no link", [](auto& r) { r.MakeKey("HKLM\\K\\A\\A"); }, "\\A \\A v=02 v=01 "},
+      {"nowhere", [](auto& r) { r.MakeLink("HKLM\\K\\A\\1", "HKLM\\none"); }, "\\A \\1 v=02 v=01 "},
+  };
+  for (const Row& row : rows) {
+    test::ReportRun run;
+    host::Registry& registry = run.machine().registry;
+    for (const auto& [key, byte] : {std::pair{"K", "\1"}, {"K\\A", "\2"}, {"L", "\3"}})
+      registry.SetValue("HKLM\\"s + key, "v", REG_BINARY, byte);
+    row.arrange(registry);
+    run.Run(kReport + "HKLM\\"s + row.key + ",1\r\n");
+    std::istringstream lines(run.LastSection());
+    std::string found;
+    std::string line;
+    for (std::getline(lines, line); lines >> line;)
+      found += line + ' ';
+    EXPECT_EQ(found, row.expected) << row.what;
+  }
 }
 
 TEST(RegistryKeys, FailingAndChangingKeys) {

@@ -65,6 +65,42 @@ TEST(RegistryKeys, AreWrittenWithEveryTypeOfValue) {
   EXPECT_EQ(list.front(), ProgressLine("Registry keys...", "Ok"));
 }
 
+// A key that links to the key it lies in. The link goes with the object.
+class LinkBack {
+ public:
+  LinkBack() {
+    constexpr DWORD kOptions = REG_OPTION_CREATE_LINK | REG_OPTION_VOLATILE;
+    RegCreateKeyExA(HKEY_LOCAL_MACHINE, "Software\\Hostscope test\\back", 0, nullptr, kOptions,
+                    KEY_ALL_ACCESS, nullptr, &key_, nullptr);
+    const std::wstring target = L"\\Registry\\Machine\\Software\\Hostscope test";
+    made_ = RegSetValueExW(key_, L"SymbolicLinkValue", 0, REG_LINK,
+                           reinterpret_cast<const BYTE*>(target.data()),
+                           static_cast<DWORD>(target.size() * sizeof(wchar_t))) == ERROR_SUCCESS;
+  }
+  ~LinkBack() {
+    // RegDeleteKey would delete what it leads to.
+    const auto delete_key = reinterpret_cast<LONG(WINAPI*)(HANDLE)>(
+        reinterpret_cast<void (*)()>(GetProcAddress(GetModuleHandleA("ntdll.dll"), "NtDeleteKey")));
+    delete_key(key_);
+    RegCloseKey(key_);
+  }
+  bool made() const { return made_; }
+
+ private:
+  HKEY key_ = nullptr;
+  bool made_ = false;
+};
+
+TEST(RegistryKeys, LinksBackAreNamedOnly) {
+  const RegistryValue value = RegistryValue::Text(HKEY_LOCAL_MACHINE, kKey, "v", "x");
+  const LinkBack link;
+  ASSERT_TRUE(link.made());
+  const Folder folder;
+  const std::string report = ReportOf(folder, "[REGISTRY KEYS]\r\nHKLM\\"s + kKey + ",1\r\n");
+  EXPECT_EQ(LastSection(report),
+            "HKEY_LOCAL_MACHINE\\Software\\Hostscope test\r\n    \\back\r\n    v=\"x\"\r\n\r\n");
+}
+
 TEST(ScanKeys, CallForTheFoldersSection) {
   const Folder folder;
   for (const std::string& named : {folder.path(), folder.program()}) {
