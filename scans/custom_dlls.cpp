@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "scans/list_entry.h"
+#include "util/paths.h"
 #include "util/text.h"
 
 namespace hostscope {
@@ -43,7 +44,7 @@ void RunEntry(ItemRun& run, char* entry) {
   run.progress.ReplaceWithStatus(label, status);
   if (library != nullptr) FreeLibrary(library);
   // The library may have made another folder current, also one that could not be loaded.
-  SetCurrentDirectoryA(run.program_folder);
+  EnterFolder(run.program_folder);
 }
 
 }  // namespace
