@@ -89,6 +89,11 @@ REGSAM GrantedAccess(REGSAM asked) {
   return asked;
 }
 
+// What an ordinary user of NT may not have of the machine's keys. MAXIMUM_ALLOWED is what he may.
+bool WouldChange(REGSAM asked) {
+  return (asked & MAXIMUM_ALLOWED) == 0 && (GrantedAccess(asked) & ~(KEY_READ | GENERIC_READ)) != 0;
+}
+
 // A path that begins with a backslash is refused; only NT takes one below HKEY_CLASSES_ROOT.
 LONG CheckSubkeyPath(HKEY key, bool is_nt, std::string_view path) {
   if (!path.starts_with('\\')) return ERROR_SUCCESS;
@@ -181,6 +186,7 @@ LONG WINAPI RegOpenKeyExA(HKEY key, LPCSTR subkey, DWORD options, REGSAM access,
   const auto found = call.machine().registry.Open(call.key(), path, link_itself);
   if (found == nullptr) return ERROR_FILE_NOT_FOUND;
   if (found->open_error) return static_cast<LONG>(*found->open_error);
+  if (call.is_nt() && host::WouldChange(access)) return ERROR_ACCESS_DENIED;
   const auto open = std::make_shared<host::OpenKey>(found, host::GrantedAccess(access));
   *result = reinterpret_cast<HKEY>(call.machine().handles.Open(open));
   return ERROR_SUCCESS;

@@ -120,6 +120,13 @@ TEST_F(RegistryCalls, NtHandlesAllowWhatTheyWereOpenedFor) {
       EXPECT_EQ(RegEnumKeyExA(key, 0, name, &size, nullptr, nullptr, nullptr, nullptr), subkeys);
       EXPECT_EQ(RegCloseKey(key), 0);
     }
+    for (const REGSAM access : {KEY_READ | KEY_SET_VALUE, KEY_ALL_ACCESS, KEY_WRITE}) {
+      HKEY key = nullptr;
+      EXPECT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, "K", 0, access, &key),
+                machine_.IsNt() ? ERROR_ACCESS_DENIED : ERROR_SUCCESS)
+          << access;
+      if (key != nullptr) RegCloseKey(key);
+    }
   }
 }
 
