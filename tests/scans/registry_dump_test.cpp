@@ -121,8 +121,11 @@ TEST(RegistryKeys, Order) {
   registry.SetText("HKLM\\K\\B", "b", "4");
   registry.SetText("HKLM\\K\\A", "a", "5");
   registry.SetText("HKLM\\K\\\0hidden"s, "never", "0");  // opened by its name it would be K
-  // The same: it would be A.
-  host::Registry::FindBelow(registry.Root(host::Hive::kLocalMachine), "K")->MakeSubkey("A\\\0x"s);
+  // Read as a path the first would be A; the other may be one character of two bytes.
+  const auto key = host::Registry::FindBelow(registry.Root(host::Hive::kLocalMachine), "K");
+  key->MakeSubkey("A\\\0x"s);
+  key->MakeSubkey("\x95\\\0x"s);
+  registry.SetText("HKLM\\K\\\x95", "c", "7");
   registry.DenyAccess("HKLM\\K\\Closed");
   registry.SetText("HKLM\\K\\Closed", "never", "6");
   run.Run(kReport + "HKLM\\K,1\r\n"s);
@@ -133,6 +136,8 @@ TEST(RegistryKeys, Order) {
             "    \\A\\\r\n"
             "    \\B\r\n        \\C\r\n            deep=\"3\"\r\n        b=\"4\"\r\n"
             "    \\Closed\r\n"
+            "    \\\x95\r\n        c=\"7\"\r\n"
+            "    \\\x95\\\r\n        c=\"7\"\r\n"
             "    y=\"1\"\r\n    x=\"2\"\r\n\r\n");
 }
 
