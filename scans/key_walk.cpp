@@ -22,6 +22,18 @@ bool HasRoom(HeapBuffer& block, DWORD longest) {
   return block.present();
 }
 
+// A name of NT may read as one that opens another key: one that begins with a zero is empty and
+// would open the key itself, and a character that the code page lacks may read as a backslash,
+// which alone opens a root again. The walk would never end. Behind a byte above 0x7F a backslash
+// may be the second half of a character, and the name a good one; at worst it opens a subkey.
+bool LeadsElsewhere(const char* name) {
+  if (name[0] == '\0') return true;
+  for (const char* at = name; (at = FindCharacter(at, '\\')) != nullptr; ++at) {
+    if (at == name || static_cast<unsigned char>(at[-1]) < 0x80) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 KeyWalk::KeyWalk(HKEY key, WalkReach reach, unsigned level) : reach_(reach), first_level_(level) {
@@ -70,11 +82,8 @@ bool KeyWalk::Enter(HKEY key, const Figures& figures) {
   return true;
 }
 
-// A name of NT may read as one that leads elsewhere: one that begins with a zero is empty and would
-// open the key itself, and a character that the code page lacks may read as a backslash, which
-// alone opens a root again. The walk would never end.
 void KeyWalk::EnterSubkey() {
-  if (name()[0] == '\0' || FindCharacter(name(), '\\') != nullptr) return;
+  if (LeadsElsewhere(name())) return;
   HKEY key = nullptr;
   if (RegOpenKeyExA(Deepest()->key, name(), 0, kWalkAccess, &key) != ERROR_SUCCESS) return;
   Figures figures;

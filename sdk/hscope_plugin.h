@@ -39,8 +39,8 @@ typedef BYTE HscopePluginResult;
  *   - shows nothing, since nobody may sit before the screen.
  *
  * It is called on the thread that writes the report, which is not the dialog's, and never twice at a
- * time. The current folder is that of the program. Some systems give this thread a small stack, so large
- * buffers belong on the heap.
+ * time. The current folder is that of the program; another one that the function sets ends with the
+ * call. Some systems give this thread a small stack, so large buffers belong on the heap.
  */
 typedef HscopePluginResult(__cdecl* HscopePluginFunction)(HANDLE report);
 

@@ -121,8 +121,11 @@ TEST(RegistryKeys, Order) {
   registry.SetText("HKLM\\K\\B", "b", "4");
   registry.SetText("HKLM\\K\\A", "a", "5");
   registry.SetText("HKLM\\K\\\0hidden"s, "never", "0");  // opened by its name it would be K
-  // The same: it would be A.
-  host::Registry::FindBelow(registry.Root(host::Hive::kLocalMachine), "K")->MakeSubkey("A\\\0x"s);
+  // Read as a path the first would be A; the other may be one character of two bytes.
+  const auto key = host::Registry::FindBelow(registry.Root(host::Hive::kLocalMachine), "K");
+  key->MakeSubkey("A\\\0x"s);
+  key->MakeSubkey("\x95\\\0x"s);
+  registry.SetText("HKLM\\K\\\x95", "c", "7");
   registry.DenyAccess("HKLM\\K\\Closed");
   registry.SetText("HKLM\\K\\Closed", "never", "6");
   run.Run(kReport + "HKLM\\K,1\r\n"s);
@@ -133,6 +136,8 @@ TEST(RegistryKeys, Order) {
             "    \\A\\\r\n"
             "    \\B\r\n        \\C\r\n            deep=\"3\"\r\n        b=\"4\"\r\n"
             "    \\Closed\r\n"
+            "    \\\x95\r\n        c=\"7\"\r\n"
+            "    \\\x95\\\r\n        c=\"7\"\r\n"
             "    y=\"1\"\r\n    x=\"2\"\r\n\r\n");
 }
 
@@ -140,41 +145,49 @@ TEST(RegistryKeys, Order) {
 TEST(RegistryKeys, Links) {
   struct Row {
     const char* what;
-    std::function<void(host::Registry&)> arrange;
+    std::function<void(host::Machine&)> arrange;
     std::string expected;  // below the heading
     const char* key = "K";
   };
-  const auto two_links = [](host::Registry& r) {
-    r.MakeLink("HKLM\\K\\A\\1", "HKLM\\L");
-    r.MakeLink("HKLM\\L\\2", "HKLM\\K\\A");
-    r.SetWriteTime("HKLM\\L", 1);  // nothing else tells it from K and A
+  const auto two_links = [](host::Machine& m) {
+    m.registry.MakeLink("HKLM\\K\\A\\1", "HKLM\\L");
+    m.registry.MakeLink("HKLM\\L\\2", "HKLM\\K\\A");
+    m.registry.SetWriteTime("HKLM\\L", 1);  // nothing else tells it from K and A
   };
   const Row rows[] = {
-      {"to the key it is in", [](auto& r) { r.MakeLink("HKLM\\K\\A\\self", "HKLM\\K\\A"); },
+      {"to the key it is in",
+       [](auto& m) { m.registry.MakeLink("HKLM\\K\\A\\self", "HKLM\\K\\A"); },
        "\\A \\self v=02 v=01 "},
-      {"two levels up", [](auto& r) { r.MakeLink("HKLM\\K\\A\\B\\up", "HKLM\\K"); },
+      {"two levels up", [](auto& m) { m.registry.MakeLink("HKLM\\K\\A\\B\\up", "HKLM\\K"); },
        "\\A \\B \\up v=02 v=01 "},
       {"two links", two_links, "\\A \\1 \\2 v=03 v=02 v=01 "},
       {"two links, from below", two_links, "\\1 \\2 v=03 v=02 ", "K\\A"},
-      {"beyond the first key", [](auto& r) { r.MakeLink("HKLM\\K\\A\\up", "HKLM\\K"); },
+      {"beyond the first key", [](auto& m) { m.registry.MakeLink("HKLM\\K\\A\\up", "HKLM\\K"); },
        "\\up \\A \\up v=02 v=01 v=02 ", "K\\A"},
       {"that can not be read",
-       [](auto& r) {
-         r.MakeLink("HKLM\\K\\A\\self", "HKLM\\K\\A");
-         r.DenyAccess("HKLM\\K\\A\\self");
+       [](auto& m) {
+         m.registry.MakeLink("HKLM\\K\\A\\self", "HKLM\\K\\A");
+         m.registry.DenyAccess("HKLM\\K\\A\\self");
        },
        "\\A \\self v=02 v=01 "},
-      {"to another key", [](auto& r) { r.MakeLink("HKLM\\K\\other", "HKLM\\L"); },
+      {"to another key", [](auto& m) { m.registry.MakeLink("HKLM\\K\\other", "HKLM\\L"); },
        "\\A v=02 \\other v=03 v=01 "},
-      {"no link", [](auto& r) { r.MakeKey("HKLM\\K\\A\\A"); }, "\\A \\A v=02 v=01 "},
-      {"nowhere", [](auto& r) { r.MakeLink("HKLM\\K\\A\\1", "HKLM\\none"); }, "\\A \\1 v=02 v=01 "},
+      {"no link", [](auto& m) { m.registry.MakeKey("HKLM\\K\\A\\A"); }, "\\A \\A v=02 v=01 "},
+      {"no link, where the option is refused",
+       [](auto& m) {
+         m.registry.MakeKey("HKLM\\K\\A\\A");
+         m.faults.FailNth("RegOpenKeyExA", 3, ERROR_INVALID_PARAMETER);
+       },
+       "\\A \\A v=02 v=01 "},
+      {"nowhere", [](auto& m) { m.registry.MakeLink("HKLM\\K\\A\\1", "HKLM\\none"); },
+       "\\A \\1 v=02 v=01 "},
   };
   for (const Row& row : rows) {
     test::ReportRun run;
     host::Registry& registry = run.machine().registry;
     for (const auto& [key, byte] : {std::pair{"K", "\1"}, {"K\\A", "\2"}, {"L", "\3"}})
       registry.SetValue("HKLM\\"s + key, "v", REG_BINARY, byte);
-    row.arrange(registry);
+    row.arrange(run.machine());
     run.Run(kReport + "HKLM\\"s + row.key + ",1\r\n");
     std::istringstream lines(run.LastSection());
     std::string found;
