@@ -4,6 +4,8 @@
 #include <cstring>
 #include <span>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "platform/host/machine.h"
 #include "platform/host/version_resource.h"
