@@ -17,18 +17,16 @@
 #ifndef HSCOPE_PLUGIN_H
 #define HSCOPE_PLUGIN_H
 
-#include <windows.h>
-
 /* The version of what is described here. */
 #define HSCOPE_PLUGIN_VERSION 1
 
 /* What the function answers: one byte, other than 0 when its information was written. */
-typedef BYTE HscopePluginResult;
+typedef unsigned char HscopePluginResult;
 #define HSCOPE_PLUGIN_FAILED ((HscopePluginResult)0)
 #define HSCOPE_PLUGIN_OK ((HscopePluginResult)1)
 
-/* The function. `report` is the open report file, positioned behind everything that was written so
- * far. Nothing else is handed over.
+/* The function. `report` is the open report file (a HANDLE), positioned behind everything that was
+ * written so far. Nothing else is handed over.
  *
  * The function
  *   - writes its text with WriteFile at the current position, in the system's 8-bit code page, and
@@ -38,11 +36,11 @@ typedef BYTE HscopePluginResult;
  *   - returns when it is done: the report waits for it;
  *   - shows nothing, since nobody may sit before the screen.
  *
- * It is called on the thread that writes the report, which is not the dialog's, and never twice at a
- * time. The current folder is that of the program; another one that the function sets ends with the
- * call. Some systems give this thread a small stack, so large buffers belong on the heap.
+ * It is called on the thread that writes the report, which is not the dialog's, and never twice at
+ * a time. The current folder is that of the program; another one that the function sets ends with
+ * the call. Some systems give this thread a small stack, so large buffers belong on the heap.
  */
-typedef HscopePluginResult(__cdecl* HscopePluginFunction)(HANDLE report);
+typedef HscopePluginResult(__cdecl* HscopePluginFunction)(void* report);
 
 /* Begins the definition of the function; it is then exported under its plain name:
  *

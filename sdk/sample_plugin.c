@@ -10,6 +10,8 @@
  */
 #include "hscope_plugin.h"
 
+#include <windows.h>
+
 /* The columns of the report's own sections. */
 #define LABEL_WIDTH 27
 #define PATH_WIDTH 26

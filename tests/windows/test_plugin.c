@@ -1,4 +1,6 @@
 /* The tests' own plug-in: one export for each thing that can become of a call. */
+#include <windows.h>
+
 #include "hscope_plugin.h"
 
 static void Write(HANDLE report, const char* text, DWORD length) {

@@ -1,4 +1,6 @@
 /* The smallest plug-in that the gate lets pass; each option adds a fault. */
+#include <windows.h>
+
 #include "hscope_plugin.h"
 
 #ifdef SECOND_EXPORT
