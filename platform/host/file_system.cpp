@@ -202,19 +202,29 @@ void FileSystem::MountDrive(char letter, fs::path folder) {
 }
 
 void FileSystem::StateSize(std::string_view path, std::uint64_t size) {
-  stated_sizes_.insert_or_assign(std::string(path), size);
+  std::string full_path = FullPath(path);
+  const std::lock_guard lock(mutex_);
+  stated_sizes_.insert_or_assign(std::move(full_path), size);
 }
 
-std::optional<std::uint64_t> FileSystem::StatedSize(const fs::path& on_disk) const {
-  for (const auto& [path, size] : stated_sizes_) {
-    Place place;
-    if (Locate(path, place) == ERROR_SUCCESS && place.path == on_disk) return size;
-  }
-  return std::nullopt;
+std::optional<std::uint64_t> FileSystem::StatedSize(std::string_view path) const {
+  return FindStated(stated_sizes_, path);
+}
+
+std::optional<std::uint64_t> FileSystem::FindStated(const StatedNumbers& numbers,
+                                                    std::string_view path) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = numbers.find(path);
+  return found == numbers.end() ? std::nullopt : std::optional(found->second);
 }
 
 std::string FileSystem::MissingSizedFile() const {
-  for (const auto& [path, size] : stated_sizes_) {
+  StatedNumbers sizes;
+  {
+    const std::lock_guard lock(mutex_);
+    sizes = stated_sizes_;
+  }
+  for (const auto& [path, size] : sizes) {
     Place place;
     if (Locate(path, place) != ERROR_SUCCESS || !place.exists || place.folder) return path;
   }
@@ -285,10 +295,8 @@ void FileSystem::StateWriteTime(std::string_view path, std::uint64_t time) {
 
 std::optional<std::uint64_t> FileSystem::StatedWriteTime(std::string_view path) const {
   if (!HasDrive(path)) return std::nullopt;
-  const std::lock_guard lock(mutex_);
-  auto found = write_times_.find(path);
-  if (found == write_times_.end()) found = write_times_.find("*");
-  return found == write_times_.end() ? std::nullopt : std::optional(found->second);
+  const std::optional<std::uint64_t> own = FindStated(write_times_, path);
+  return own ? own : FindStated(write_times_, "*");
 }
 
 DWORD FileSystem::ReadWhole(std::string_view path, std::string& content) const {

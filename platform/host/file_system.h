@@ -100,7 +100,7 @@ class FileSystem {
   // Searches give this time (file_time.h) for the path, a full one of a drive, or for everything on
   // drives that has none of its own ("*"), and not that of the file on disk.
   void StateWriteTime(std::string_view path, std::uint64_t time);
-  // Of a full path; absent when nothing is stated.
+  // Of a full path, as StatedSize; absent when nothing is stated.
   std::optional<std::uint64_t> StatedWriteTime(std::string_view path) const;
 
   // Everything in a file, shared with every other use of it; 0 or the error.
@@ -109,8 +109,7 @@ class FileSystem {
   // From now on a search that finds the file tells this size in place of its own: a large file of
   // the machine may be a small one on disk.
   void StateSize(std::string_view path, std::uint64_t size);
-  // The size stated for what lies there on disk, or none.
-  std::optional<std::uint64_t> StatedSize(const std::filesystem::path& on_disk) const;
+  std::optional<std::uint64_t> StatedSize(std::string_view path) const;
   // The path of a file that has a stated size and is not there; empty: there is none.
   std::string MissingSizedFile() const;
 
@@ -127,11 +126,15 @@ class FileSystem {
   DWORD SetCurrentFolder(std::string_view path);
 
  private:
-  mutable std::mutex mutex_;  // guards the drives, the current folder and the times
+  using StatedNumbers = std::map<std::string, std::uint64_t, NoCaseLess>;  // by full path
+  std::optional<std::uint64_t> FindStated(const StatedNumbers& numbers,
+                                          std::string_view path) const;
+
+  mutable std::mutex mutex_;  // guards the drives, the current folder and what is stated
   std::map<char, std::filesystem::path> drives_;
-  std::map<std::string, std::uint64_t, std::less<>> stated_sizes_;  // by path
   std::string current_folder_ = "C:\\";
-  std::map<std::string, std::uint64_t, NoCaseLess> write_times_;
+  StatedNumbers stated_sizes_;
+  StatedNumbers write_times_;  // "*": of every path without one of its own
   std::shared_ptr<FileClaims> claims_;
   mutable FolderListings listings_;
 };

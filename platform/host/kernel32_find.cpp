@@ -113,9 +113,9 @@ class Search : public Object {
       if (ReadFileFacts(entry.path, facts) != ERROR_SUCCESS) continue;
       ++next_;
       const FileSystem& files = CurrentMachine().files;
-      facts.size = files.StatedSize(entry.path).value_or(facts.size);
-      facts.write_time =
-          files.StatedWriteTime(folder_ + "\\" + entry.name).value_or(facts.write_time);
+      const std::string path = folder_ + "\\" + entry.name;
+      facts.size = files.StatedSize(path).value_or(facts.size);
+      facts.write_time = files.StatedWriteTime(path).value_or(facts.write_time);
       Fill(entry, facts, data);
       return ERROR_SUCCESS;
     }
