@@ -14,9 +14,17 @@
 #include <windows.h>
 // The order matters: these need windows.h before them.
 #include <commctrl.h>
+#include <ddraw.h>
 #include <mapi.h>
+#include <mmsystem.h>
+// Needs the line above.
+#include <mmreg.h>
+// Needs the line above.
+#include <msacm.h>
+#include <setupapi.h>
 #include <shellapi.h>
 #include <shlobj.h>
+#include <vfw.h>
 
 #else
 

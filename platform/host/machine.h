@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "platform/host/desktop.h"
+#include "platform/host/display.h"
 #include "platform/host/dll_version.h"
 #include "platform/host/faults.h"
 #include "platform/host/file_system.h"
@@ -19,6 +20,7 @@
 #include "platform/host/hardware.h"
 #include "platform/host/libraries.h"
 #include "platform/host/mail.h"
+#include "platform/host/multimedia.h"
 #include "platform/host/plug_ins.h"
 #include "platform/host/registry.h"
 #include "platform/host/windows_types.h"
@@ -102,6 +104,10 @@ struct Machine {
   PlugIns plug_ins;
   std::vector<DllVersionAnswer> dll_versions;  // by StateDllVersion
   Desktop desktop;
+  Display display;
+  DirectX direct_x;
+  Joysticks joysticks;
+  Multimedia multimedia;
   HandleTable handles;
   Faults faults;
   std::vector<std::string> opened_targets;  // what ShellExecuteA was asked to open, in order

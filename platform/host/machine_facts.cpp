@@ -2,14 +2,14 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <chrono>
 #include <limits>
 #include <optional>
+#include <span>
 #include <string>
-#include <type_traits>
 
 #include "platform/host/code_page.h"
+#include "platform/host/fact.h"
 #include "platform/host/file_time.h"
 #include "platform/host/functions.h"
 #include "platform/host/security_id.h"
@@ -18,100 +18,6 @@ namespace host {
 namespace {
 
 using std::string_view;
-
-// Readers of one value. Each answers what is wrong with it, or an empty text.
-
-// Decimal, or hexadecimal after "0x". Anything else, or a number above the limit, is absent.
-std::optional<std::uint64_t> Number(string_view text,
-                                    std::uint64_t most = std::numeric_limits<DWORD>::max()) {
-  int base = 10;
-  if (text.starts_with("0x") || text.starts_with("0X")) {
-    base = 16;
-    text.remove_prefix(2);
-  }
-  std::uint64_t number = 0;
-  const char* const end = text.data() + text.size();
-  const auto [rest, error] = std::from_chars(text.data(), end, number, base);
-  if (error != std::errc() || rest != end || number > most) return std::nullopt;
-  return number;
-}
-
-template <typename Field>
-requires std::is_integral_v<Field> std::string ReadValue(string_view value, Field& field) {
-  const std::uint64_t most = std::numeric_limits<Field>::max();
-  const std::optional<std::uint64_t> number = Number(value, most);
-  if (!number) return "the value is no number from 0 to " + std::to_string(most);
-  field = static_cast<Field>(*number);
-  return "";
-}
-
-std::string ReadValue(string_view value, bool& field) {
-  if (value != "yes" && value != "no") return "the value is neither \"yes\" nor \"no\"";
-  field = value == "yes";
-  return "";
-}
-
-std::string ReadValue(string_view value, std::string& field) {
-  field = value;
-  return "";
-}
-
-std::string ReadValue(string_view value, std::optional<std::string>& field) {
-  field = std::string(value);
-  return "";
-}
-
-// Takes digits off the front up to the stop character, which goes too; the end of the text for
-// none.
-std::optional<WORD> TakeNumber(string_view& text, char stop) {
-  const std::size_t end = stop == '\0' ? text.size() : text.find(stop);
-  if (end == string_view::npos) return std::nullopt;
-  const string_view digits = text.substr(0, end);
-  const bool is_digits =
-      std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; });
-  const std::optional<std::uint64_t> number = is_digits ? Number(digits, 0xFFFF) : std::nullopt;
-  text.remove_prefix(std::min(end + 1, text.size()));
-  if (!number) return std::nullopt;
-  return static_cast<WORD>(*number);
-}
-
-std::string ReadValue(string_view value, LocalTime& field) {
-  const std::string malformed = "the value is no time of the form 2002-03-07 09:05:00.000";
-  WORD* const parts[] = {&field.year,   &field.month,  &field.day,         &field.hour,
-                         &field.minute, &field.second, &field.milliseconds};
-  const char stops[] = {'-', '-', ' ', ':', ':', '.', '\0'};
-  std::string text(value);
-  if (text.find('.') == std::string::npos) text += ".000";
-  string_view rest = text;
-  for (std::size_t i = 0; i < std::size(parts); ++i) {
-    const std::optional<WORD> part = TakeNumber(rest, stops[i]);
-    if (!part) return malformed;
-    *parts[i] = *part;
-  }
-  const std::chrono::year_month_day date{
-      std::chrono::year(field.year), std::chrono::month(field.month), std::chrono::day(field.day)};
-  if (!date.ok() || field.year < 1601 || field.year > 30827 || field.hour > 23 ||
-      field.minute > 59 || field.second > 59 || field.milliseconds > 999) {
-    return malformed;
-  }
-  const std::chrono::weekday day_of_week{std::chrono::sys_days(date)};
-  field.day_of_week = static_cast<WORD>(day_of_week.c_encoding());
-  return "";
-}
-
-// One row of the catalogue: who reads the value of the key.
-struct Fact {
-  string_view section;
-  string_view key;  // "*": any; the reader looks at it
-  std::string (*read)(Machine& machine, string_view key, string_view value);
-  bool required = false;
-};
-
-// The reader of a plain field: the members on the way to it, from the machine's own on.
-template <auto... members>
-std::string Read(Machine& machine, string_view, string_view value) {
-  return ReadValue(value, (machine.*....*members));
-}
 
 std::string ReadServicePackText(Machine& machine, string_view, string_view value) {
   if (value.size() > 127) return "the text is longer than the 127 characters of its field";
@@ -131,18 +37,6 @@ std::string ReadSpecialFolder(Machine& machine, string_view key, string_view val
   const bool is_new =
       machine.special_folders.emplace(static_cast<int>(*number), std::string(value)).second;
   return is_new ? "" : "the folder's number stands twice";
-}
-
-// Takes what stands before the next separator off the front, without the blanks around it.
-string_view TakeItem(string_view& text, char separator) {
-  while (text.starts_with(' '))
-    text.remove_prefix(1);
-  const std::size_t end = std::min(text.find(separator), text.size());
-  string_view item = text.substr(0, end);
-  text.remove_prefix(std::min(end + 1, text.size()));
-  while (item.ends_with(' '))
-    item.remove_suffix(1);
-  return item;
 }
 
 std::string ReadEnvironment(Machine& machine, string_view key, string_view value) {
@@ -272,27 +166,6 @@ std::string ReadLibrary(Machine& machine, string_view key, string_view value) {
   return "";
 }
 
-// The text between double quotes: \r, \n, \t, \" and \\ stand for what they do in C; none for
-// anything else.
-std::optional<std::string> QuotedText(string_view quoted) {
-  if (quoted.size() < 2 || quoted.front() != '"' || quoted.back() != '"') return std::nullopt;
-  quoted = quoted.substr(1, quoted.size() - 2);
-  constexpr string_view kEscapes = "rnt\"\\";
-  constexpr string_view kMeanings = "\r\n\t\"\\";
-  std::string text;
-  for (std::size_t at = 0; at < quoted.size(); ++at) {
-    if (quoted[at] == '"') return std::nullopt;
-    if (quoted[at] != '\\') {
-      text += quoted[at];
-      continue;
-    }
-    const std::size_t escape = ++at < quoted.size() ? kEscapes.find(quoted[at]) : string_view::npos;
-    if (escape == string_view::npos) return std::nullopt;
-    text += kMeanings[escape];
-  }
-  return text;
-}
-
 std::string ReadPlugIn(Machine& machine, string_view key, string_view value) {
   const std::size_t comma = key.rfind(',');
   if (comma == string_view::npos || comma == 0 || comma + 1 == key.size()) {
@@ -398,7 +271,7 @@ std::string ReadFault(Machine& machine, string_view key, string_view value) {
 
 constexpr bool kRequired = true;
 
-constexpr Fact kFacts[] = {
+constexpr Fact kOwnFacts[] = {
     {"Version", "Major", Read<&Machine::version, &WindowsVersion::major>, kRequired},
     {"Version", "Minor", Read<&Machine::version, &WindowsVersion::minor>, kRequired},
     {"Version", "Build", Read<&Machine::version, &WindowsVersion::build>, kRequired},
@@ -439,9 +312,6 @@ constexpr Fact kFacts[] = {
     {"FreeResources", "System", ReadFreeResources<0>},
     {"FreeResources", "GDI", ReadFreeResources<1>},
     {"FreeResources", "User", ReadFreeResources<2>},
-    {"Screen", "Width", Read<&Machine::desktop, &Desktop::screen_size, &SIZE::cx>},
-    {"Screen", "Height", Read<&Machine::desktop, &Desktop::screen_size, &SIZE::cy>},
-    {"Screen", "BitsPerPixel", Read<&Machine::desktop, &Desktop::bits_per_pixel>},
     {"FileSizes", "*", ReadFileSize},
     {"DeniedKeys", "*", ReadDeniedKey},
     {"Libraries", "*", ReadLibrary},
@@ -451,15 +321,29 @@ constexpr Fact kFacts[] = {
     {"Faults", "*", ReadFault},
 };
 
+// All rows, in the order of the description.
+const std::vector<Fact>& AllFacts() {
+  static const std::vector<Fact> facts = [] {
+    std::vector<Fact> all;
+    for (const std::span<const Fact> group :
+         {std::span<const Fact>(kOwnFacts), DisplayFacts(), MultimediaFacts()})
+      all.insert(all.end(), group.begin(), group.end());
+    return all;
+  }();
+  return facts;
+}
+
 const Fact* FindFact(string_view section, string_view key) {
-  const auto found = std::find_if(std::begin(kFacts), std::end(kFacts), [&](const Fact& fact) {
+  const std::vector<Fact>& facts = AllFacts();
+  const auto found = std::find_if(facts.begin(), facts.end(), [&](const Fact& fact) {
     return fact.section == section && (fact.key == "*" || fact.key == key);
   });
-  return found == std::end(kFacts) ? nullptr : found;
+  return found == facts.end() ? nullptr : &*found;
 }
 
 bool IsSection(string_view name) {
-  return std::any_of(std::begin(kFacts), std::end(kFacts),
+  const std::vector<Fact>& facts = AllFacts();
+  return std::any_of(facts.begin(), facts.end(),
                      [name](const Fact& fact) { return fact.section == name; });
 }
 
@@ -491,7 +375,7 @@ std::optional<LoadError> StateSection(const IniSection& section, Machine& machin
 
 std::vector<std::pair<string_view, string_view>> MachineFactNames() {
   std::vector<std::pair<string_view, string_view>> names;
-  for (const Fact& fact : kFacts)
+  for (const Fact& fact : AllFacts())
     names.emplace_back(fact.section, fact.key);
   return names;
 }
@@ -501,7 +385,7 @@ std::optional<LoadError> StateMachineFacts(const std::vector<IniSection>& sectio
   for (const IniSection& section : sections) {
     if (auto error = StateSection(section, machine)) return error;
   }
-  for (const Fact& fact : kFacts) {
+  for (const Fact& fact : AllFacts()) {
     if (fact.required && !IsStated(fact, sections)) {
       const std::string place = "[" + std::string(fact.section) + "] " + std::string(fact.key);
       return LoadError{"", 0, place + " is missing"};

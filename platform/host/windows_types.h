@@ -16,6 +16,9 @@ using ULONG = std::uint32_t;
 using SHORT = std::int16_t;
 using USHORT = std::uint16_t;
 using CHAR = char;
+using WCHAR = char16_t;
+using LPWSTR = WCHAR*;
+using LPCWSTR = const WCHAR*;
 using UCHAR = unsigned char;
 using LPBYTE = BYTE*;
 using LPDWORD = DWORD*;
@@ -76,6 +79,19 @@ HOST_DECLARE_HANDLE(HBRUSH);
 inline constexpr int MAX_PATH = 260;
 
 using FARPROC = INT_PTR (*)();
+
+struct GUID {
+  DWORD Data1;
+  WORD Data2;
+  WORD Data3;
+  BYTE Data4[8];
+  friend bool operator==(const GUID&, const GUID&) = default;
+};
+using LPGUID = GUID*;
+using IID = GUID;
+using CLSID = GUID;
+using REFIID = const IID&;
+using REFCLSID = const CLSID&;
 
 struct POINT {
   LONG x;

@@ -1,0 +1,44 @@
+// The items that list the devices of one class.
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+#include "report/item.h"
+
+namespace hostscope {
+
+// Room for a list label, terminator included: the longest list name and the largest number.
+inline constexpr std::size_t kListLabelSize = 64;
+
+// "%s (total %u)" of the list name and the number of entries, cut to the field.
+void FormatListLabel(std::span<char> label, const char* list_name, int count);
+
+struct DeviceList {
+  const char* list_name;
+  const char* class_name;
+  std::size_t record_size;
+  // A further line of each device: its field name, and where in the record its text lies. Null: no
+  // such line.
+  const char* extra_field = nullptr;
+  std::size_t extra_offset = 0;
+};
+
+extern const DeviceList kMediaDevices;
+extern const DeviceList kMonitors;
+extern const DeviceList kVideoAdapters;
+extern const DeviceList kMouse;
+extern const DeviceList kKeyboard;
+extern const DeviceList kModems;
+extern const DeviceList kPorts;
+
+// Writes the list; false, with the list name alone on its line, when the class cannot be examined.
+bool WriteDeviceList(ItemRun& run, const DeviceList& list);
+
+// The same as a function of the section table's.
+template <const DeviceList& kList>
+bool WriteDevices(ItemRun& run) {
+  return WriteDeviceList(run, kList);
+}
+
+}  // namespace hostscope
