@@ -1,5 +1,8 @@
 #include "report/section_table.h"
 
+#include "probes/devices/directx.h"
+#include "probes/devices/display.h"
+#include "probes/devices/joysticks.h"
 #include "probes/system/bios.h"
 #include "probes/system/folders.h"
 #include "probes/system/free_resources.h"
@@ -115,6 +118,36 @@ constexpr Item kSystemItems[] = {
      .write_lines = WriteFreeResources},
 };
 
+constexpr Item kDisplayItems[] = {
+    {.progress_label = "Display resolution...",
+     .switches = kAnyOf<&Settings::current_resolution, &Settings::max_resolution>,
+     .write_lines = WriteResolution},
+    {.progress_label = "Display colors...",
+     .switches = kAnyOf<&Settings::current_bits_pixel, &Settings::max_bits_pixel>,
+     .write_lines = WriteColors},
+    {.progress_label = "Large font...",
+     .report_label = "Large font",
+     .switches = kAnyOf<&Settings::large_font>,
+     .collect_value = FormatLargeFont},
+};
+
+constexpr Item kDirectXItems[] = {
+    {.progress_label = "DirectX version...",
+     .switches = kAnyOf<&Settings::directx_version>,
+     .write_lines = WriteDirectXVersion},
+    {.progress_label = "3D acceleration...",
+     .report_label = "3D acceleration",
+     .switches = kAnyOf<&Settings::three_d_acceleration>,
+     .collect_value = Format3DAcceleration},
+};
+
+constexpr Item kInputItems[] = {
+    {.progress_label = "Joystick...",
+     .report_label = "Joystick",
+     .switches = kAnyOf<&Settings::joysticks>,
+     .collect_value = FormatJoysticks},
+};
+
 constexpr Item kNetworkItems[] = {
     // Between the addresses and the cards, in every report.
     {.step = WriteEmptyLine},
@@ -146,9 +179,9 @@ constexpr Section kSections[] = {
      .always_empty_line = true,
      .items = kSystemItems},
     {.banner = "MULTIMEDIA", .profile_section = "MULTIMEDIA"},
-    {.banner = "DISPLAY", .profile_section = "DISPLAY"},
-    {.banner = "DIRECTX", .profile_section = "DIRECTX"},
-    {.banner = "INPUT", .profile_section = "INPUT"},
+    {.banner = "DISPLAY", .profile_section = "DISPLAY", .items = kDisplayItems},
+    {.banner = "DIRECTX", .profile_section = "DIRECTX", .items = kDirectXItems},
+    {.banner = "INPUT", .profile_section = "INPUT", .items = kInputItems},
     {.banner = "NETWORK", .profile_section = "NETWORK", .items = kNetworkItems},
     {.banner = "COMMUNICATION", .profile_section = "COMMUNICATION"},
     {.banner = "PORTS", .profile_section = "PORT"},

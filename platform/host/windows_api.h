@@ -4,9 +4,11 @@
 
 #include "platform/host/advapi32.h"
 #include "platform/host/comctl32.h"
+#include "platform/host/ddraw.h"
 #include "platform/host/gdi32.h"
 #include "platform/host/kernel32.h"
 #include "platform/host/mapi32.h"
+#include "platform/host/ole32.h"
 #include "platform/host/shell32.h"
 #include "platform/host/user32.h"
 #include "platform/host/version.h"
