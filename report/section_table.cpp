@@ -1,5 +1,6 @@
 #include "report/section_table.h"
 
+#include "probes/devices/device_list.h"
 #include "probes/devices/directx.h"
 #include "probes/devices/display.h"
 #include "probes/devices/joysticks.h"
@@ -118,7 +119,19 @@ constexpr Item kSystemItems[] = {
      .write_lines = WriteFreeResources},
 };
 
+constexpr Item kMultimediaItems[] = {
+    {.progress_label = "Media devices...",
+     .switches = kAnyOf<&Settings::media_devices>,
+     .write_lines = WriteDevices<kMediaDevices>},
+};
+
 constexpr Item kDisplayItems[] = {
+    {.progress_label = "Monitors...",
+     .switches = kAnyOf<&Settings::monitors>,
+     .write_lines = WriteDevices<kMonitors>},
+    {.progress_label = "Video adapters...",
+     .switches = kAnyOf<&Settings::video_adapters>,
+     .write_lines = WriteDevices<kVideoAdapters>},
     {.progress_label = "Display resolution...",
      .switches = kAnyOf<&Settings::current_resolution, &Settings::max_resolution>,
      .write_lines = WriteResolution},
@@ -142,6 +155,12 @@ constexpr Item kDirectXItems[] = {
 };
 
 constexpr Item kInputItems[] = {
+    {.progress_label = "Mouse...",
+     .switches = kAnyOf<&Settings::mouse>,
+     .write_lines = WriteDevices<kMouse>},
+    {.progress_label = "Keyboard...",
+     .switches = kAnyOf<&Settings::keyboard>,
+     .write_lines = WriteDevices<kKeyboard>},
     {.progress_label = "Joystick...",
      .report_label = "Joystick",
      .switches = kAnyOf<&Settings::joysticks>,
@@ -151,6 +170,18 @@ constexpr Item kInputItems[] = {
 constexpr Item kNetworkItems[] = {
     // Between the addresses and the cards, in every report.
     {.step = WriteEmptyLine},
+};
+
+constexpr Item kCommunicationItems[] = {
+    {.progress_label = "Modems...",
+     .switches = kAnyOf<&Settings::modems>,
+     .write_lines = WriteDevices<kModems>},
+};
+
+constexpr Item kPortItems[] = {
+    {.progress_label = "Ports...",
+     .switches = kAnyOf<&Settings::ports>,
+     .write_lines = WriteDevices<kPorts>},
 };
 
 constexpr Item kRegistryItems[] = {
@@ -178,13 +209,13 @@ constexpr Section kSections[] = {
      .profile_section = "SYSTEM",
      .always_empty_line = true,
      .items = kSystemItems},
-    {.banner = "MULTIMEDIA", .profile_section = "MULTIMEDIA"},
+    {.banner = "MULTIMEDIA", .profile_section = "MULTIMEDIA", .items = kMultimediaItems},
     {.banner = "DISPLAY", .profile_section = "DISPLAY", .items = kDisplayItems},
     {.banner = "DIRECTX", .profile_section = "DIRECTX", .items = kDirectXItems},
     {.banner = "INPUT", .profile_section = "INPUT", .items = kInputItems},
     {.banner = "NETWORK", .profile_section = "NETWORK", .items = kNetworkItems},
-    {.banner = "COMMUNICATION", .profile_section = "COMMUNICATION"},
-    {.banner = "PORTS", .profile_section = "PORT"},
+    {.banner = "COMMUNICATION", .profile_section = "COMMUNICATION", .items = kCommunicationItems},
+    {.banner = "PORTS", .profile_section = "PORT", .items = kPortItems},
     {.banner = "DISK DRIVES", .profile_section = "DISK DRIVE"},
     {.banner = "DISK CONTROLLERS", .profile_section = "DISK CONTROLLER"},
     {.banner = "USB CONTROLLERS", .profile_section = "USB"},

@@ -9,6 +9,7 @@
 #include "platform/host/kernel32.h"
 #include "platform/host/mapi32.h"
 #include "platform/host/ole32.h"
+#include "platform/host/setupapi.h"
 #include "platform/host/shell32.h"
 #include "platform/host/user32.h"
 #include "platform/host/version.h"
