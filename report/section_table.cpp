@@ -1,5 +1,10 @@
 #include "report/section_table.h"
 
+#include "probes/devices/audio_codecs.h"
+#include "probes/devices/cdroms.h"
+#include "probes/devices/midi_devices.h"
+#include "probes/devices/video_codecs.h"
+#include "probes/devices/wave_devices.h"
 #include "probes/system/bios.h"
 #include "probes/system/folders.h"
 #include "probes/system/free_resources.h"
@@ -115,6 +120,30 @@ constexpr Item kSystemItems[] = {
      .write_lines = WriteFreeResources},
 };
 
+constexpr Item kMultimediaItems[] = {
+    {.progress_label = "CDROM...",
+     .switches = kAnyOf<&Settings::cdroms>,
+     .write_lines = WriteCdroms},
+    {.progress_label = "Audio codecs...",
+     .switches = kAnyOf<&Settings::audio_codecs>,
+     .write_lines = WriteAudioCodecs},
+    {.progress_label = "Video codecs...",
+     .switches = kAnyOf<&Settings::video_codecs>,
+     .write_lines = WriteVideoCodecs},
+    {.progress_label = "Wave input...",
+     .switches = kAnyOf<&Settings::wave_in>,
+     .write_lines = WriteWaveInputs},
+    {.progress_label = "Wave output...",
+     .switches = kAnyOf<&Settings::wave_out>,
+     .write_lines = WriteWaveOutputs},
+    {.progress_label = "MIDI input...",
+     .switches = kAnyOf<&Settings::midi_in>,
+     .write_lines = WriteMidiInputs},
+    {.progress_label = "MIDI output...",
+     .switches = kAnyOf<&Settings::midi_out>,
+     .write_lines = WriteMidiOutputs},
+};
+
 constexpr Item kNetworkItems[] = {
     // Between the addresses and the cards, in every report.
     {.step = WriteEmptyLine},
@@ -145,7 +174,7 @@ constexpr Section kSections[] = {
      .profile_section = "SYSTEM",
      .always_empty_line = true,
      .items = kSystemItems},
-    {.banner = "MULTIMEDIA", .profile_section = "MULTIMEDIA"},
+    {.banner = "MULTIMEDIA", .profile_section = "MULTIMEDIA", .items = kMultimediaItems},
     {.banner = "DISPLAY", .profile_section = "DISPLAY"},
     {.banner = "DIRECTX", .profile_section = "DIRECTX"},
     {.banner = "INPUT", .profile_section = "INPUT"},
