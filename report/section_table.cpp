@@ -2,6 +2,7 @@
 
 #include "probes/devices/audio_codecs.h"
 #include "probes/devices/cdroms.h"
+#include "probes/devices/device_list.h"
 #include "probes/devices/midi_devices.h"
 #include "probes/devices/video_codecs.h"
 #include "probes/devices/wave_devices.h"
@@ -124,6 +125,9 @@ constexpr Item kMultimediaItems[] = {
     {.progress_label = "CDROM...",
      .switches = kAnyOf<&Settings::cdroms>,
      .write_lines = WriteCdroms},
+    {.progress_label = "Media devices...",
+     .switches = kAnyOf<&Settings::media_devices>,
+     .write_lines = WriteDevices<kMediaDevices>},
     {.progress_label = "Audio codecs...",
      .switches = kAnyOf<&Settings::audio_codecs>,
      .write_lines = WriteAudioCodecs},
@@ -144,9 +148,39 @@ constexpr Item kMultimediaItems[] = {
      .write_lines = WriteMidiOutputs},
 };
 
+constexpr Item kDisplayItems[] = {
+    {.progress_label = "Monitors...",
+     .switches = kAnyOf<&Settings::monitors>,
+     .write_lines = WriteDevices<kMonitors>},
+    {.progress_label = "Video adapters...",
+     .switches = kAnyOf<&Settings::video_adapters>,
+     .write_lines = WriteDevices<kVideoAdapters>},
+};
+
+constexpr Item kInputItems[] = {
+    {.progress_label = "Mouse...",
+     .switches = kAnyOf<&Settings::mouse>,
+     .write_lines = WriteDevices<kMouse>},
+    {.progress_label = "Keyboard...",
+     .switches = kAnyOf<&Settings::keyboard>,
+     .write_lines = WriteDevices<kKeyboard>},
+};
+
 constexpr Item kNetworkItems[] = {
     // Between the addresses and the cards, in every report.
     {.step = WriteEmptyLine},
+};
+
+constexpr Item kCommunicationItems[] = {
+    {.progress_label = "Modems...",
+     .switches = kAnyOf<&Settings::modems>,
+     .write_lines = WriteDevices<kModems>},
+};
+
+constexpr Item kPortItems[] = {
+    {.progress_label = "Ports...",
+     .switches = kAnyOf<&Settings::ports>,
+     .write_lines = WriteDevices<kPorts>},
 };
 
 constexpr Item kRegistryItems[] = {
@@ -175,12 +209,12 @@ constexpr Section kSections[] = {
      .always_empty_line = true,
      .items = kSystemItems},
     {.banner = "MULTIMEDIA", .profile_section = "MULTIMEDIA", .items = kMultimediaItems},
-    {.banner = "DISPLAY", .profile_section = "DISPLAY"},
+    {.banner = "DISPLAY", .profile_section = "DISPLAY", .items = kDisplayItems},
     {.banner = "DIRECTX", .profile_section = "DIRECTX"},
-    {.banner = "INPUT", .profile_section = "INPUT"},
+    {.banner = "INPUT", .profile_section = "INPUT", .items = kInputItems},
     {.banner = "NETWORK", .profile_section = "NETWORK", .items = kNetworkItems},
-    {.banner = "COMMUNICATION", .profile_section = "COMMUNICATION"},
-    {.banner = "PORTS", .profile_section = "PORT"},
+    {.banner = "COMMUNICATION", .profile_section = "COMMUNICATION", .items = kCommunicationItems},
+    {.banner = "PORTS", .profile_section = "PORT", .items = kPortItems},
     {.banner = "DISK DRIVES", .profile_section = "DISK DRIVE"},
     {.banner = "DISK CONTROLLERS", .profile_section = "DISK CONTROLLER"},
     {.banner = "USB CONTROLLERS", .profile_section = "USB"},

@@ -9,7 +9,6 @@ namespace hostscope {
 namespace {
 
 constexpr char kListName[] = "CDROM";
-constexpr char kFieldLine[] = "%-27s%-15s:  %s\r\n";
 
 // Ports, buses, targets and units are each looked for by these numbers.
 constexpr unsigned kScsiNumbers = 4;
@@ -29,9 +28,10 @@ void WriteScannedCdroms(ItemRun& run, const RecordArray& cdroms) {
       run.report, kListName, cdroms,
       [has_letters](ReportWriter& report, char* label, const CdromRecord& cdrom) {
         report.WriteDeviceBlock(label, cdrom);
-        report.WriteFormatted(kFieldLine, label, "Autorun", cdrom.autorun != 0 ? "Yes" : "No");
+        report.WriteFormatted(kTextFieldFormat, label, "Autorun",
+                              cdrom.autorun != 0 ? "Yes" : "No");
         if (has_letters)
-          report.WriteFormatted(kFieldLine, label, "Drive letters", cdrom.drive_letters);
+          report.WriteFormatted(kTextFieldFormat, label, "Drive letters", cdrom.drive_letters);
         report.WriteText(kLineEnd);
       });
 }
@@ -39,7 +39,8 @@ void WriteScannedCdroms(ItemRun& run, const RecordArray& cdroms) {
 void WriteScsiCdroms(ReportWriter& report_of_run, const RecordArray& cdroms) {
   WriteRecords<CdromRecord>(report_of_run, kListName, cdroms,
                             [](ReportWriter& report, char* label, const CdromRecord& cdrom) {
-                              report.WriteFormatted(kFieldLine, label, "Description", cdrom.name);
+                              report.WriteFormatted(kTextFieldFormat, label, "Description",
+                                                    cdrom.name);
                               report.WriteText(kLineEnd);
                             });
 }

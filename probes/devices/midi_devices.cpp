@@ -39,8 +39,8 @@ MidiOutRecord OutputOf(const MIDIOUTCAPSA& capabilities) {
 }
 
 void WriteOutput(ReportWriter& report, char* label, const MidiOutRecord& device) {
-  report.WriteFormatted("%-27s%-15s:  %s\r\n", label, "Name", device.name);
-  report.WriteFormatted("%-27s%-15s:  %s\r\n", "", "Type", device.technology);
+  report.WriteFormatted(kTextFieldFormat, label, "Name", device.name);
+  report.WriteFormatted(kTextFieldFormat, "", "Type", device.technology);
   report.WriteFormatted("%-27s%-15s:  %u\r\n", "", "Voices", unsigned{device.voices});
   report.WriteFormatted("%-27s%-15s:  %u\r\n", "", "Notes", unsigned{device.notes});
   report.WriteFormatted("%-27s%-15s:  0x%04X\r\n", "", "Channels", unsigned{device.channel_mask});
