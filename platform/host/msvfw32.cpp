@@ -31,7 +31,6 @@ bool SameCode(DWORD left, DWORD right) {
 const VideoCodec* FindCodec(DWORD type, DWORD handler) {
   const std::vector<VideoCodec>& codecs = CurrentMachine().multimedia.video_codecs;
   if (!SameCode(type, ICTYPE_VIDEO)) return nullptr;
-  if (handler < codecs.size()) return &codecs[handler];
   const auto found = std::find_if(codecs.begin(), codecs.end(), [handler](const VideoCodec& codec) {
     return SameCode(codec.handler, handler);
   });
@@ -51,7 +50,10 @@ ICINFO RecordOf(const VideoCodec& codec) {
 
 BOOL WINAPI ICInfo(DWORD type, DWORD handler, ICINFO* info) {
   if (CallFails("ICInfo") || info->dwSize != sizeof *info) return FALSE;
-  const VideoCodec* const codec = FindCodec(type, handler);
+  const std::vector<VideoCodec>& codecs = CurrentMachine().multimedia.video_codecs;
+  const VideoCodec* const codec = SameCode(type, ICTYPE_VIDEO) && handler < codecs.size()
+                                      ? &codecs[handler]
+                                      : FindCodec(type, handler);
   if (codec != nullptr) *info = RecordOf(*codec);
   return codec != nullptr;
 }

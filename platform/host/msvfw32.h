@@ -25,7 +25,7 @@ struct ICINFO {
 // The handler is a four-character code, whose case does not count, or the compressor's number. What
 // is told is the code and the driver; the record must state its size.
 BOOL WINAPI ICInfo(DWORD type, DWORD handler, ICINFO* info);
-// Null: there is no such compressor.
+// By its code alone. Null: there is no such compressor.
 HIC WINAPI ICOpen(DWORD type, DWORD handler, UINT mode);
 // The number of bytes filled; 0 for a record that is too small.
 LRESULT WINAPI ICGetInfo(HIC compressor, ICINFO* info, DWORD size);

@@ -75,6 +75,10 @@ class Place {
   void MakeKey(std::string_view subkey);
   void SetValue(std::string_view subkey, std::string_view name, DWORD type, std::string_view data);
 
+  // Gives the machine a wave input and a wave output; beside them it has three video codecs (the
+  // first is mrle in msrle32.dll) and some audio codecs.
+  void TurnOnSound();
+
   // Runs a dialog named "Contract" that holds the controls, as DialogBoxParamA does.
   INT_PTR RunDialog(std::span<const Control> controls, DLGPROC procedure, LPARAM parameter);
 

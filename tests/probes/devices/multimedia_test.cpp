@@ -147,9 +147,9 @@ constexpr DWORD Code(const char (&text)[5]) {
 }
 
 TEST(VideoCodecs, AreListedOnce) {
+  const ReportRun run;
   RecordArray codecs;
   codecs.Create(sizeof(VideoCodecRecord));
-  const ReportRun run;
   for (const VideoCodecRecord& codec :
        {VideoCodecRecord{Code("cvid"), "", "", "a.dll"}, {Code("mrle"), "", "", "b.dll"}})
     codecs.Append(&codec);
