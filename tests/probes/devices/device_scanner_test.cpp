@@ -31,6 +31,7 @@ constexpr char kNtDevices[] = R"(
 [class 96e Monitor]
 [class 972 Net]
 [class 978 Ports]
+[class 979 Modem]
 [CCS\Control\Class\m\1]  "DriverDate"="6-6-2001"  "AttachedTo"="COM3"  "NetCfgInstanceId"="{A}"
 [CCS\Control\Class\m\2]  "DriverDate"="12345678901"  "NetCfgInstanceId"="{B}"
 [CCS\Control\Class\m\3]  "NetCfgInstanceId"="{C}"
