@@ -8,6 +8,13 @@
 
 namespace hostscope {
 
+// A function of a library as its own type.
+template <typename Function>
+Function AsFunction(FARPROC function) {
+  // By way of a type that fits every function, as the compiler warns of a direct change.
+  return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(function));
+}
+
 // A library that is loaded here, whether the process has it already or not, and given back when the
 // owner goes.
 class LoadedLibrary {
@@ -27,8 +34,7 @@ class LoadedLibrary {
   // loaded.
   template <typename Function>
   Function Find(const char* name) const {
-    // By way of a type that fits every function, as the compiler warns of a direct change.
-    return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(module_, name)));
+    return AsFunction<Function>(GetProcAddress(module_, name));
   }
   void Release() {
     if (module_ != nullptr) FreeLibrary(module_);
@@ -75,8 +81,7 @@ class BoundLibrary {
   // The function of the table's row, as the type given. Only while bound.
   template <typename Function>
   Function Get(std::size_t row) const {
-    // By way of a type that fits every function, as the compiler warns of a direct change.
-    return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(functions_[row]));
+    return AsFunction<Function>(functions_[row]);
   }
 
   // Forgets the functions; frees the library only when it was loaded here.

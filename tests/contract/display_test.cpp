@@ -50,30 +50,19 @@ class DisplayContract : public testing::Test {
   Place place;
 };
 
-TEST_F(DisplayContract, InformationContext) {
+TEST_F(DisplayContract, DeviceContexts) {
   HDC const display = CreateICA("DISPLAY", nullptr, nullptr, nullptr);
   ASSERT_NE(nullptr, display);
-  EXPECT_GT(GetDeviceCaps(display, HORZRES), 0);
-  EXPECT_GT(GetDeviceCaps(display, VERTRES), 0);
-  EXPECT_GT(GetDeviceCaps(display, BITSPIXEL), 0);
-  ExpectAnswer("planes", 1, GetDeviceCaps(display, PLANES));
+  for (const int index : {HORZRES, VERTRES, BITSPIXEL})
+    EXPECT_GT(GetDeviceCaps(display, index), 0) << index;
   ExpectAnswer("deleted", 1, DeleteDC(display));
   ExpectAnswer("width of a deleted one", 0, GetDeviceCaps(display, HORZRES));
-  ExpectAnswer("deleted again", 0, DeleteDC(display));
   ExpectAnswer("another driver", 1, CreateICA("nosuch", nullptr, nullptr, nullptr) == nullptr);
-}
-
-TEST_F(DisplayContract, DesktopFont) {
-  HWND const desktop = GetDesktopWindow();
-  ASSERT_NE(nullptr, desktop);
-  HDC const dc = GetWindowDC(desktop);
-  ASSERT_NE(nullptr, dc);
-  TEXTMETRICA metrics;
-  std::memset(&metrics, 0xAA, sizeof metrics);
+  HDC const dc = GetWindowDC(GetDesktopWindow());
+  TEXTMETRICA metrics = {};
   ExpectAnswer("metrics", 1, GetTextMetricsA(dc, &metrics));
   ExpectAnswer("height", 16, metrics.tmHeight);
-  ExpectAnswer("height of both parts", metrics.tmHeight, metrics.tmAscent + metrics.tmDescent);
-  ExpectAnswer("released", 1, ReleaseDC(desktop, dc));
+  ExpectAnswer("released", 1, ReleaseDC(GetDesktopWindow(), dc));
   ExpectAnswer("metrics of none", 0, GetTextMetricsA(nullptr, &metrics));
   ExpectAnswer("of no window", 1, GetWindowDC(reinterpret_cast<HWND>(0x7F7C)) == nullptr);
 }
@@ -81,24 +70,15 @@ TEST_F(DisplayContract, DesktopFont) {
 TEST_F(DisplayContract, Modes) {
   const auto list =
       Find<BOOL(WINAPI*)(LPCSTR, DWORD, LPDEVMODEA)>("USER32.DLL", "EnumDisplaySettingsA");
-  const auto ask = [&](const char* device, DWORD index, WORD size) {
-    DEVMODEA mode = {};
-    mode.dmSize = size;
-    const BOOL listed = list(device, index, &mode);
-    if (!listed) return std::string("no");
-    const DWORD fields = DM_BITSPERPEL | DM_PELSWIDTH | DM_PELSHEIGHT;
-    EXPECT_EQ(mode.dmFields & fields, fields);
-    return std::string(mode.dmPelsWidth * mode.dmPelsHeight * mode.dmBitsPerPel != 0 ? "yes"
-                                                                                     : "empty");
-  };
-  ExpectAnswer("first", "yes", ask(nullptr, 0, 156));
+  DEVMODEA mode = {};
+  mode.dmSize = 156;
   DWORD count = 0;
-  while (count < 10000 && ask(nullptr, count, 156) == "yes")
-    ++count;
+  for (; count < 10000 && list(nullptr, count, &mode); ++count)
+    EXPECT_NE(mode.dmPelsWidth * mode.dmPelsHeight * mode.dmBitsPerPel, 0u) << count;
+  EXPECT_GT(count, 0u);
   EXPECT_LT(count, 10000u);
-  ExpectAnswer("behind the last", "no", ask(nullptr, count, 156));
-  ExpectAnswer("behind that", "no", ask(nullptr, count + 1, 156));
-  ExpectAnswer("another device", "no", ask("nosuch", 0, 156));
+  ExpectAnswer("behind the end", 0, list(nullptr, count + 1, &mode));
+  ExpectAnswer("another device", 0, list("nosuch", 0, &mode));
 }
 
 TEST_F(DisplayContract, Joysticks) {
@@ -118,28 +98,15 @@ TEST_F(DisplayContract, DirectDraw) {
   IDirectDraw* draw = nullptr;
   ASSERT_EQ(Hex(create(nullptr, &draw, nullptr)), Hex(DD_OK));
   ASSERT_NE(nullptr, draw);
-  GUID other_driver = kNoInterface;
-  IDirectDraw* none = draw;
-  ExpectAnswer("of another driver", Hex(DDERR_INVALIDDIRECTDRAWGUID),
-               Hex(create(&other_driver, &none, nullptr)), {Platform::kWine, "takes any driver"});
-  if (none != nullptr && none != draw) none->Release();
-  ExpectAnswer("as part of an object", Hex(CLASS_E_NOAGGREGATION),
-               Hex(create(nullptr, &none, draw)));
   ExpectAnswer("interface 2", Hex(DD_OK), Ask(draw, kDirectDraw2));
   ExpectAnswer("no interface", Hex(E_NOINTERFACE), Ask(draw, kNoInterface));
 
-  DDCAPS capabilities;
-  const auto caps = [&](DWORD size) {
-    std::memset(&capabilities, 0, sizeof capabilities);
-    capabilities.dwSize = size;
-    return Hex(draw->GetCaps(&capabilities, nullptr));
-  };
-  ExpectAnswer("capabilities", Hex(DD_OK), caps(380));
-  ExpectAnswer("their size", 380, capabilities.dwSize);
-  for (const DWORD size : {0, 100, 379, 381})
-    ExpectAnswer("capabilities of " + std::to_string(size), Hex(DDERR_INVALIDPARAMS), caps(size),
-                 {Platform::kWine, "fills what fits into any size"});
-  ExpectAnswer("no capabilities", Hex(DDERR_INVALIDPARAMS), Hex(draw->GetCaps(nullptr, nullptr)));
+  DDCAPS capabilities = {};
+  capabilities.dwSize = 380;
+  ExpectAnswer("capabilities", Hex(DD_OK), Hex(draw->GetCaps(&capabilities, nullptr)));
+  capabilities.dwSize = 379;
+  ExpectAnswer("too short", Hex(DDERR_INVALIDPARAMS), Hex(draw->GetCaps(&capabilities, nullptr)),
+               {Platform::kWine, "fills what fits into any size"});
 
   IDirectDrawSurface* surface = nullptr;
   const auto make = [&](DWORD size) {
@@ -156,8 +123,6 @@ TEST_F(DisplayContract, DirectDraw) {
   ExpectAnswer("surface", Hex(DD_OK), make(108));
   ASSERT_NE(nullptr, surface);
   ExpectAnswer("surface 3", Hex(DD_OK), Ask(surface, kSurface3));
-  ExpectAnswer("surface, no interface", Hex(E_NOINTERFACE), Ask(surface, kNoInterface),
-               {Platform::kWine, "tells of a wrong argument"});
   ExpectAnswer("references to the surface", 0, surface->Release());
   ExpectAnswer("references", 0, draw->Release());
 }
@@ -165,11 +130,11 @@ TEST_F(DisplayContract, DirectDraw) {
 TEST_F(DisplayContract, DirectDraw7) {
   const auto create =
       Find<HRESULT(WINAPI*)(GUID*, void**, REFIID, IUnknown*)>("DDRAW.DLL", "DirectDrawCreateEx");
-  void* draw = nullptr;
-  ExpectAnswer("interface 2", Hex(DDERR_INVALIDPARAMS),
-               Hex(create(nullptr, &draw, kDirectDraw2, nullptr)));
-  ASSERT_EQ(Hex(create(nullptr, &draw, kDirectDraw7, nullptr)), Hex(DD_OK));
-  ExpectAnswer("references", 0, static_cast<IUnknown*>(draw)->Release());
+  void* made = nullptr;
+  ExpectAnswer("2 in place of 7", Hex(DDERR_INVALIDPARAMS),
+               Hex(create(nullptr, &made, kDirectDraw2, nullptr)));
+  ASSERT_EQ(Hex(create(nullptr, &made, kDirectDraw7, nullptr)), Hex(DD_OK));
+  ExpectAnswer("references", 0, static_cast<IUnknown*>(made)->Release());
 }
 
 TEST_F(DisplayContract, Com) {

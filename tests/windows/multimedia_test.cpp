@@ -25,8 +25,12 @@ class Key {
   Key(const std::string& path, std::initializer_list<std::pair<const char*, const char*>> texts)
       : path_(path) {
     HKEY key = nullptr;
-    RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, REG_OPTION_VOLATILE,
-                    KEY_ALL_ACCESS, nullptr, &key, nullptr);
+    // Below the hardware a key must be volatile; elsewhere other tests want lasting ones beside it.
+    for (const DWORD options : {REG_OPTION_NON_VOLATILE, REG_OPTION_VOLATILE}) {
+      if (key != nullptr) break;
+      RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, options, KEY_ALL_ACCESS,
+                      nullptr, &key, nullptr);
+    }
     for (const auto& [name, text] : texts) {
       EXPECT_EQ(RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text),
                                static_cast<DWORD>(std::strlen(text) + 1)),
