@@ -19,24 +19,20 @@ constexpr char kCdromId[] = "IDE\\CDROMTEST\\5&0";
 constexpr char kScsiUnit[] =
     "HARDWARE\\DEVICEMAP\\Scsi\\Scsi Port 3\\Scsi Bus 2\\Target Id 1\\Logical Unit Id 0";
 
-// A key of the local machine with texts in it, which goes with the object.
+// A key of the local machine with texts in it, which goes with the object. Below HARDWARE there are
+// none but volatile ones; a volatile key elsewhere would keep other tests from making theirs.
 class Key {
  public:
   Key(const std::string& path, std::initializer_list<std::pair<const char*, const char*>> texts)
       : path_(path) {
+    const DWORD options = path.starts_with("HARDWARE") ? REG_OPTION_VOLATILE : 0;
     HKEY key = nullptr;
-    // Below the hardware a key must be volatile; elsewhere other tests want lasting ones beside it.
-    for (const DWORD options : {REG_OPTION_NON_VOLATILE, REG_OPTION_VOLATILE}) {
-      if (key != nullptr) break;
-      RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, options, KEY_ALL_ACCESS,
-                      nullptr, &key, nullptr);
-    }
-    for (const auto& [name, text] : texts) {
-      EXPECT_EQ(RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text),
-                               static_cast<DWORD>(std::strlen(text) + 1)),
-                ERROR_SUCCESS)
-          << path;
-    }
+    EXPECT_EQ(RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, options, KEY_ALL_ACCESS,
+                              nullptr, &key, nullptr),
+              ERROR_SUCCESS)
+        << path;
+    for (const auto& [name, text] : texts)
+      RegSetKeyValueA(key, nullptr, name, REG_SZ, text, static_cast<DWORD>(std::strlen(text) + 1));
     RegCloseKey(key);
   }
   ~Key() { RegDeleteTreeA(HKEY_LOCAL_MACHINE, path_.c_str()); }
