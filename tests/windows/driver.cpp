@@ -251,9 +251,9 @@ int Program::Threads() const {
   return threads;
 }
 
-// The dialog takes no key before the worker has ended, which it does just after its last line. Where
-// a library of the system keeps a thread of its own, the worker is the one that goes, if it has not
-// gone before: nothing changes any more.
+// The dialog takes no key before the worker has ended, which it does just after its last line.
+// Where a library of the system keeps a thread of its own, the worker is the one that goes, if it
+// has not gone before: nothing changes any more.
 bool Program::WaitUntilFinished() {
   if (!WaitForLine(kLastLine)) return false;
   int threads = Threads();
