@@ -9,18 +9,15 @@ namespace host {
 
 class ComThreads {
  public:
-  // For the calling thread: once more, whether it is the first time; once less, whether there was a
-  // time.
+  // For the calling thread: once more, and whether it is the first time; once less.
   bool Initialize() {
     const std::lock_guard lock(mutex_);
     return ++times_[std::this_thread::get_id()] == 1;
   }
-  bool Uninitialize() {
+  void Uninitialize() {
     const std::lock_guard lock(mutex_);
     int& times = times_[std::this_thread::get_id()];
-    if (times == 0) return false;
-    --times;
-    return true;
+    if (times != 0) --times;
   }
   bool IsInitialized() {
     const std::lock_guard lock(mutex_);
