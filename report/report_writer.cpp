@@ -13,7 +13,6 @@ namespace {
 inline constexpr std::size_t kGatheredSize = 8192;
 inline constexpr std::size_t kRuleWidth = 84;
 inline constexpr std::size_t kLongestTitle = 80;
-inline constexpr char kTextFieldLine[] = "%-27s%-15s:  %s\r\n";
 
 constexpr const char* kMonths[] = {"January",   "February", "March",    "April",
                                    "May",       "June",     "July",     "August",
@@ -57,10 +56,10 @@ void ReportWriter::WriteBanner(const char* title) {
 }
 
 void ReportWriter::WriteDeviceBlock(char* label, const DeviceRecord& record) {
-  WriteFormatted(kTextFieldLine, label, "Description", record.name);
+  WriteFormatted(kTextFieldFormat, label, "Description", record.name);
   label[0] = '\0';
-  WriteFormatted(kTextFieldLine, label, "Manufacturer", record.manufacturer);
-  WriteFormatted(kTextFieldLine, label, "Driver date", record.driver_date);
+  WriteFormatted(kTextFieldFormat, label, "Manufacturer", record.manufacturer);
+  WriteFormatted(kTextFieldFormat, label, "Driver date", record.driver_date);
 }
 
 void ReportWriter::WriteRun(char character, std::size_t count) {

@@ -1,5 +1,6 @@
 #include "report/section_table.h"
 
+#include "probes/devices/device_list.h"
 #include "probes/system/bios.h"
 #include "probes/system/folders.h"
 #include "probes/system/free_resources.h"
@@ -115,9 +116,45 @@ constexpr Item kSystemItems[] = {
      .write_lines = WriteFreeResources},
 };
 
+constexpr Item kMultimediaItems[] = {
+    {.progress_label = "Media devices...",
+     .switches = kAnyOf<&Settings::media_devices>,
+     .write_lines = WriteDevices<kMediaDevices>},
+};
+
+constexpr Item kDisplayItems[] = {
+    {.progress_label = "Monitors...",
+     .switches = kAnyOf<&Settings::monitors>,
+     .write_lines = WriteDevices<kMonitors>},
+    {.progress_label = "Video adapters...",
+     .switches = kAnyOf<&Settings::video_adapters>,
+     .write_lines = WriteDevices<kVideoAdapters>},
+};
+
+constexpr Item kInputItems[] = {
+    {.progress_label = "Mouse...",
+     .switches = kAnyOf<&Settings::mouse>,
+     .write_lines = WriteDevices<kMouse>},
+    {.progress_label = "Keyboard...",
+     .switches = kAnyOf<&Settings::keyboard>,
+     .write_lines = WriteDevices<kKeyboard>},
+};
+
 constexpr Item kNetworkItems[] = {
     // Between the addresses and the cards, in every report.
     {.step = WriteEmptyLine},
+};
+
+constexpr Item kCommunicationItems[] = {
+    {.progress_label = "Modems...",
+     .switches = kAnyOf<&Settings::modems>,
+     .write_lines = WriteDevices<kModems>},
+};
+
+constexpr Item kPortItems[] = {
+    {.progress_label = "Ports...",
+     .switches = kAnyOf<&Settings::ports>,
+     .write_lines = WriteDevices<kPorts>},
 };
 
 constexpr Item kRegistryItems[] = {
@@ -145,13 +182,13 @@ constexpr Section kSections[] = {
      .profile_section = "SYSTEM",
      .always_empty_line = true,
      .items = kSystemItems},
-    {.banner = "MULTIMEDIA", .profile_section = "MULTIMEDIA"},
-    {.banner = "DISPLAY", .profile_section = "DISPLAY"},
+    {.banner = "MULTIMEDIA", .profile_section = "MULTIMEDIA", .items = kMultimediaItems},
+    {.banner = "DISPLAY", .profile_section = "DISPLAY", .items = kDisplayItems},
     {.banner = "DIRECTX", .profile_section = "DIRECTX"},
-    {.banner = "INPUT", .profile_section = "INPUT"},
+    {.banner = "INPUT", .profile_section = "INPUT", .items = kInputItems},
     {.banner = "NETWORK", .profile_section = "NETWORK", .items = kNetworkItems},
-    {.banner = "COMMUNICATION", .profile_section = "COMMUNICATION"},
-    {.banner = "PORTS", .profile_section = "PORT"},
+    {.banner = "COMMUNICATION", .profile_section = "COMMUNICATION", .items = kCommunicationItems},
+    {.banner = "PORTS", .profile_section = "PORT", .items = kPortItems},
     {.banner = "DISK DRIVES", .profile_section = "DISK DRIVE"},
     {.banner = "DISK CONTROLLERS", .profile_section = "DISK CONTROLLER"},
     {.banner = "USB CONTROLLERS", .profile_section = "USB"},

@@ -1,5 +1,6 @@
 #include "util/registry.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace hostscope {
@@ -30,6 +31,21 @@ void RegistryKey::Close() {
   key_ = nullptr;
 }
 
+OwnedText JoinKeyPath(std::initializer_list<const char*> parts) {
+  std::size_t size = 0;
+  for (const char* const part : parts)
+    size += TextLength(part) + 1;
+  OwnedText path = CopyOfText("", 0, size);
+  char* end = path.data();
+  if (end == nullptr) return path;
+  for (const char* const part : parts) {
+    if (end != path.data()) *end++ = '\\';
+    CopyText(end, size, part);
+    end += TextLength(end);
+  }
+  return path;
+}
+
 std::uint32_t RegistryValue::FirstNumber() const {
   std::uint32_t number = 0;
   if (data.size() >= sizeof number) std::memcpy(&number, data.data(), sizeof number);
@@ -43,6 +59,11 @@ OwnedText RegistryValue::AsText() const {
       end == nullptr ? data.size()
                      : static_cast<std::size_t>(static_cast<const char*>(end) - data.data());
   return CopyOfText(data.data(), length);
+}
+
+void RegistryValue::CopyTextTo(std::span<char> field) const {
+  // A value without its terminator ends with its data.
+  if (present()) CopyText(field.data(), std::min(field.size(), data.size() + 1), data.data());
 }
 
 RegistryValue ReadRegistryValue(HKEY key, const char* value_name) {

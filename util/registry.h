@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
+#include <span>
 
 #include "platform/win32.h"
 #include "util/heap.h"
@@ -32,6 +34,10 @@ class RegistryKey {
   HKEY key_ = nullptr;
 };
 
+// The parts of a key's path with a backslash between each two, whatever is in them; none when there
+// is no memory.
+OwnedText JoinKeyPath(std::initializer_list<const char*> parts);
+
 // The data of one value: a copy of exactly its bytes with its type. Absent when the key or the
 // value is absent, when it cannot be read, and when it holds no bytes.
 struct RegistryValue {
@@ -44,6 +50,9 @@ struct RegistryValue {
   // The bytes up to their first zero as a text, whatever the type; a value that lacks its
   // terminator gets one. None when the value is absent or there is no memory.
   OwnedText AsText() const;
+  // The same text copied into the field, cut to fit; a value that is absent leaves the field as it
+  // was.
+  void CopyTextTo(std::span<char> field) const;
 };
 
 // A value of a key that the caller has opened; a null name asks for the key's default value.

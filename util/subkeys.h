@@ -20,4 +20,15 @@ class SubkeyNames {
   DWORD index_ = 0;
 };
 
+// Opens each subkey of the key for reading, in enumeration order, and hands its name and the open
+// key to `visit`, until that answers false. A subkey that cannot be opened is passed over.
+template <typename Visit>
+void ForEachSubkey(const RegistryKey& key, Visit visit) {
+  SubkeyNames names(key);
+  while (const char* const name = names.Next()) {
+    const RegistryKey subkey = RegistryKey::OpenAsWritten(key.get(), name, KEY_READ);
+    if (subkey.open() && !visit(name, subkey)) return;
+  }
+}
+
 }  // namespace hostscope

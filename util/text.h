@@ -74,6 +74,9 @@ const char* FindLastText(const char* text, const char* needle, int n = kWholeTex
 
 // First position of the character within the first n characters.
 const char* FindCharacter(const char* text, char character, int n = kWholeText);
+inline char* FindCharacter(char* text, char character) {
+  return const_cast<char*>(FindCharacter(static_cast<const char*>(text), character));
+}
 
 // Last position of the character within the first n characters.
 const char* FindLastCharacter(const char* text, char character, int n = kWholeText);

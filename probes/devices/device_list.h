@@ -18,10 +18,10 @@ struct DeviceList {
   const char* list_name;
   const char* class_name;
   std::size_t record_size;
-  // A further line of each device: its field name, and where in the record its text lies. Null: no
-  // such line.
+  // A further line of each device: its field name, and the text of it in the record. Null: no such
+  // line.
   const char* extra_field = nullptr;
-  std::size_t extra_offset = 0;
+  const char* (*extra_text)(const DeviceRecord& record) = nullptr;
 };
 
 extern const DeviceList kMediaDevices;

@@ -100,28 +100,29 @@ struct Place::Parts {
   std::string Subkey(std::string_view subkey) const {
     return subkey.empty() ? key : key + "\\" + std::string(subkey);
   }
-  HKEY Create(std::string_view subkey) const {
+  static HKEY Create(HKEY root, const std::string& path) {
     HKEY made = nullptr;
-    EXPECT_EQ(ERROR_SUCCESS, RegCreateKeyExA(HKEY_CURRENT_USER, Subkey(subkey).c_str(), 0, nullptr,
-                                             0, KEY_ALL_ACCESS, nullptr, &made, nullptr));
+    EXPECT_EQ(ERROR_SUCCESS, RegCreateKeyExA(root, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
+                                             nullptr, &made, nullptr));
     return made;
   }
+  HKEY Create(std::string_view subkey) const { return Create(HKEY_CURRENT_USER, Subkey(subkey)); }
+
+  std::vector<std::string> machine_keys;
 };
 
 namespace {
 
 // RegDeleteKeyA takes no key that has subkeys.
-void DeleteTree(const std::string& key) {
+void DeleteTree(HKEY root, const std::string& key) {
   HKEY open = nullptr;
-  if (RegOpenKeyExA(HKEY_CURRENT_USER, key.c_str(), 0, KEY_ALL_ACCESS, &open) != ERROR_SUCCESS) {
-    return;
-  }
+  if (RegOpenKeyExA(root, key.c_str(), 0, KEY_ALL_ACCESS, &open) != ERROR_SUCCESS) return;
   std::array<char, 256> name{};
   while (RegEnumKeyA(open, 0, name.data(), name.size()) == ERROR_SUCCESS) {
-    DeleteTree(key + "\\" + name.data());
+    DeleteTree(root, key + "\\" + name.data());
   }
   RegCloseKey(open);
-  RegDeleteKeyA(HKEY_CURRENT_USER, key.c_str());
+  RegDeleteKeyA(root, key.c_str());
 }
 
 }  // namespace
@@ -132,7 +133,9 @@ Place::Place() : parts_(std::make_unique<Parts>()) {
 }
 
 Place::~Place() {
-  DeleteTree(parts_->key);
+  DeleteTree(HKEY_CURRENT_USER, parts_->key);
+  for (const std::string& machine_key : parts_->machine_keys)
+    DeleteTree(HKEY_LOCAL_MACHINE, machine_key);
   SetCurrentDirectoryA(fs::temp_directory_path().string().c_str());
   std::error_code ignored;
   fs::remove_all(parts_->disk, ignored);
@@ -150,6 +153,19 @@ void Place::SetValue(std::string_view subkey, std::string_view name, DWORD type,
   EXPECT_EQ(ERROR_SUCCESS,
             RegSetValueExA(made, std::string(name).c_str(), 0, type,
                            reinterpret_cast<const BYTE*>(bytes.data()), data.size()));
+  RegCloseKey(made);
+}
+
+void Place::OwnMachineKey(std::string_view key) {
+  parts_->machine_keys.emplace_back(key);
+  RegCloseKey(Parts::Create(HKEY_LOCAL_MACHINE, std::string(key)));
+}
+
+void Place::SetMachineText(std::string_view key, std::string_view name, std::string_view text) {
+  const HKEY made = Parts::Create(HKEY_LOCAL_MACHINE, std::string(key));
+  EXPECT_EQ(ERROR_SUCCESS, RegSetValueExA(made, std::string(name).c_str(), 0, REG_SZ,
+                                          reinterpret_cast<const BYTE*>(std::string(text).c_str()),
+                                          text.size() + 1));
   RegCloseKey(made);
 }
 
@@ -275,6 +291,14 @@ void Place::MakeKey(std::string_view subkey) {
 void Place::SetValue(std::string_view subkey, std::string_view name, DWORD type,
                      std::string_view data) {
   parts_->machine.registry.SetValue(parts_->RegistryPath(subkey), name, type, data);
+}
+
+void Place::OwnMachineKey(std::string_view key) {
+  parts_->machine.registry.MakeKey("HKLM\\" + std::string(key));
+}
+
+void Place::SetMachineText(std::string_view key, std::string_view name, std::string_view text) {
+  parts_->machine.registry.SetText("HKLM\\" + std::string(key), name, text);
 }
 
 INT_PTR Place::RunDialog(std::span<const Control> controls, DLGPROC procedure, LPARAM parameter) {

@@ -75,6 +75,10 @@ class Place {
   void MakeKey(std::string_view subkey);
   void SetValue(std::string_view subkey, std::string_view name, DWORD type, std::string_view data);
 
+  // A key below HKEY_LOCAL_MACHINE that goes with the object, with all that a test puts below it.
+  void OwnMachineKey(std::string_view key);
+  void SetMachineText(std::string_view key, std::string_view name, std::string_view text);
+
   // Runs a dialog named "Contract" that holds the controls, as DialogBoxParamA does.
   INT_PTR RunDialog(std::span<const Control> controls, DLGPROC procedure, LPARAM parameter);
 

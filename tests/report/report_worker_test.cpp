@@ -68,8 +68,8 @@ TEST(ReportWorker, SectionsByTheirSwitches) {
       {"banners in report order",
        "[USB]\r\nControllers=1\r\n[DISK CONTROLLER]\r\nFDC=1\r\n"
        "[DISK DRIVE]\r\nLabel=1\r\n[PORT]\r\nPorts=1\r\n",
-       "\r\n\r\n" + Banner("PORTS") + Banner("DISK DRIVES") + Banner("DISK CONTROLLERS") +
-           Banner("USB CONTROLLERS")},
+       "\r\n\r\n" + Banner("PORTS") + "Ports (total 0)\r\n" + Banner("DISK DRIVES") +
+           Banner("DISK CONTROLLERS") + Banner("USB CONTROLLERS")},
       {"lists that are not empty",
        "[CUSTOM DLLS]\r\na.dll\r\n[DLLS]\r\nb.dll\r\n[FOLDERS]\r\n"
        "[SCAN KEYS]\r\nHKLM\\x\r\n[REGISTRY KEYS]\r\n",

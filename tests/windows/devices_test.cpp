@@ -1,0 +1,243 @@
+// The lists of devices in all seven releases: the system's own devices, which the test finds by
+// other calls, and devices that it makes below the keys of both families.
+
+#include <windows.h>
+// Needs the line above.
+#include <setupapi.h>
+
+#include <list>
+#include <map>
+
+#include "tests/windows/driver.h"
+#include "tests/windows/every_release.h"
+
+namespace drive {
+namespace {
+
+using namespace std::string_literals;
+
+struct List {
+  const char* section;
+  const char* key;
+  const char* name;
+  const char* device_class;
+  GUID guid;
+  const char* extra = nullptr;
+};
+
+constexpr GUID ClassGuid(WORD number) {
+  return {0x4D36E900UL | number, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}};
+}
+
+constexpr List kLists[] = {
+    {"MULTIMEDIA", "MediaDevices", "Media devices", "MEDIA", ClassGuid(0x6C)},
+    {"DISPLAY", "Monitors", "Monitors", "Monitor", ClassGuid(0x6E)},
+    {"DISPLAY", "VideoAdapters", "Video adapters", "Display", ClassGuid(0x68)},
+    {"INPUT", "Mouse", "Mouse", "Mouse", ClassGuid(0x6F)},
+    {"INPUT", "Keyboard", "Keyboard", "Keyboard", ClassGuid(0x6B)},
+    {"COMMUNICATION", "Modems", "Modems", "Modem", ClassGuid(0x6D), "Port"},
+    {"PORT", "Ports", "Ports", "Ports", ClassGuid(0x78), "Port name"},
+};
+
+std::string GuidText(const GUID& guid) {
+  char text[40];
+  std::snprintf(text, sizeof text, "{%08lX-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}",
+                guid.Data1, guid.Data2, guid.Data3, guid.Data4[0], guid.Data4[1], guid.Data4[2],
+                guid.Data4[3], guid.Data4[4], guid.Data4[5], guid.Data4[6], guid.Data4[7]);
+  return text;
+}
+
+constexpr char kNtDevices[] = "SYSTEM\\CurrentControlSet\\Enum";
+constexpr char kNtClasses[] = "SYSTEM\\CurrentControlSet\\Control\\Class";
+constexpr char kOldDevices[] = "Enum";
+constexpr char kOldClasses[] = "System\\CurrentControlSet\\Services\\Class";
+
+struct Value {
+  const char* name;
+  DWORD type;
+  std::string data;
+};
+
+void Put(const std::string& key, const std::vector<Value>& values) {
+  HKEY made = nullptr;
+  ASSERT_EQ(RegCreateKeyA(HKEY_LOCAL_MACHINE, key.c_str(), &made), 0) << key;
+  for (const Value& value : values)
+    RegSetValueExA(made, value.name, 0, value.type,
+                   reinterpret_cast<const BYTE*>(value.data.data()), value.data.size());
+  RegCloseKey(made);
+}
+
+Value Text(const char* name, const std::string& text) {
+  return {name, REG_SZ, text + '\0'};
+}
+
+// What the report must show of a device; nothing for one that it leaves out.
+struct Shown {
+  std::string name, manufacturer, date, extra;
+};
+using ShownDevices = std::map<std::string, std::optional<Shown>>;  // by instance id
+
+// The devices of the test. They go with the object.
+class SeededDevices {
+ public:
+  explicit SeededDevices(bool is_nt) : is_nt_(is_nt) {
+    for (const auto& [classes, family] : {std::pair{kNtClasses, "NT"}, {kOldClasses, "98"}})
+      Put(classes + "\\HSTEST\\0000"s,
+          {Text("DriverDate", family + " 12-24-2001"s), Text("AttachedTo", family + "COM3"s)});
+    for (const List& list : kLists) {
+      AddUsual(list);
+      class_names_.emplace_back(HKEY_LOCAL_MACHINE, kNtClasses + ("\\" + GuidText(list.guid)),
+                                "Class", REG_SZ, list.device_class + "\0"s);
+    }
+    Add(kLists[0], "HSTEST\\SOUND\\AUDSTUB", {Text("Service", "audstub")}, std::nullopt);
+    Add(kLists[3], "HSTEST\\ODD\\TYPES",
+        {{"FriendlyName", REG_BINARY, "AB"}, {"Mfg", REG_DWORD, "CD\0\0"s}, Text("Driver", "no")},
+        Shown{"AB", "CD"});
+    Add(kLists[4], "HSTEST\\ODD\\LENGTHS",
+        {Text("DeviceDesc", std::string(300, 'x')), {"FriendlyName", REG_SZ, ""}},
+        Shown{std::string(255, 'x')});
+  }
+  ~SeededDevices() {
+    for (const char* const root : {kNtDevices, kNtClasses, kOldDevices, kOldClasses})
+      RegDeleteTreeA(HKEY_LOCAL_MACHINE, (root + "\\HSTEST"s).c_str());
+  }
+  const ShownDevices& shown() const { return shown_; }
+
+ private:
+  // A device with everything, its texts telling the families apart.
+  void AddUsual(const List& list) {
+    const std::string id = "HSTEST\\USUAL\\"s + list.device_class;
+    const std::string port = list.key == "Ports"s ? "COM1" : "";
+    for (const auto& [devices, family] : {std::pair{kNtDevices, "NT "}, {kOldDevices, "98 "}})
+      Put(devices + ("\\" + id), {Text("FriendlyName", family + std::string(list.name) + " \xE4"),
+                                  Text("DeviceDesc", "not this"), Text("Mfg", family + "Maker"s),
+                                  Text("Driver", "HSTEST\\0000")});
+    Put(kNtDevices + ("\\" + id), {Text("ClassGUID", GuidText(list.guid))});
+    Put(kNtDevices + ("\\" + id) + "\\Device Parameters", {Text("PortName", "NT" + port)});
+    Put(kOldDevices + ("\\" + id), {Text("PORTNAME", "98" + port)});
+    const std::string family = is_nt_ ? "NT" : "98";
+    Show(id, Shown{family + " " + list.name + " \xE4", family + " Maker", family + " 12-24-2",
+                   family + (list.key == "Modems"s ? "COM3" : port)});
+    // Wine knows it, Windows 95/98/Me have no key of it.
+    const std::string nt_only = "HSTEST\\NT ONLY\\"s + list.device_class;
+    Put(kNtDevices + ("\\" + nt_only), {Text("ClassGUID", GuidText(list.guid))});
+    Show(nt_only, is_nt_ ? std::optional(Shown()) : std::nullopt);
+  }
+  void Add(const List& list, const std::string& id, const std::vector<Value>& values,
+           const std::optional<Shown>& shown) {
+    Put(kNtDevices + ("\\" + id), values);
+    Put(kNtDevices + ("\\" + id), {Text("ClassGUID", GuidText(list.guid))});
+    Put(kOldDevices + ("\\" + id), values);
+    Show(id, shown);
+  }
+  // The system gives ids in upper case.
+  void Show(std::string id, const std::optional<Shown>& shown) {
+    CharUpperA(id.data());
+    shown_[id] = shown;
+  }
+
+  bool is_nt_;
+  std::list<RegistryValue> class_names_;
+  ShownDevices shown_;
+};
+
+std::string Narrow(const wchar_t* text) {
+  char narrow[1024] = {};
+  WideCharToMultiByte(CP_ACP, 0, text, -1, narrow, sizeof narrow, nullptr, nullptr);
+  return narrow;
+}
+
+// Every device of the class, in the system's order, by the 16-bit functions.
+std::vector<Shown> DevicesOf(const List& list, bool is_nt, const ShownDevices& seeded) {
+  std::vector<Shown> found;
+  const HDEVINFO set = SetupDiGetClassDevsW(&list.guid, nullptr, nullptr, DIGCF_PRESENT);
+  SP_DEVINFO_DATA device = {.cbSize = sizeof device};
+  for (DWORD i = 0; SetupDiEnumDeviceInfo(set, i, &device); ++i) {
+    wchar_t id[512] = {};
+    SetupDiGetDeviceInstanceIdW(set, &device, id, 512, nullptr);
+    const auto known = seeded.find(Narrow(id));
+    if (known != seeded.end()) {
+      if (known->second) found.push_back(*known->second);
+      continue;
+    }
+    // Wine has the keys of its own devices in the places of NT only.
+    if (!is_nt) continue;
+    const auto property = [&](DWORD number) {
+      wchar_t text[512] = {};
+      SetupDiGetDeviceRegistryPropertyW(set, &device, number, nullptr,
+                                        reinterpret_cast<BYTE*>(text), sizeof text, nullptr);
+      return Narrow(text);
+    };
+    Shown shown = {property(SPDRP_FRIENDLYNAME), property(SPDRP_MFG)};
+    if (shown.name.empty()) shown.name = property(SPDRP_DEVICEDESC);
+    char date[512] = {};
+    DWORD size = sizeof date;
+    RegGetValueA(HKEY_LOCAL_MACHINE, (kNtClasses + ("\\" + property(SPDRP_DRIVER))).c_str(),
+                 "DriverDate", RRF_RT_REG_SZ, nullptr, date, &size);
+    shown.date = std::string(date).substr(0, 10);
+    found.push_back(shown);
+  }
+  SetupDiDestroyDeviceInfoList(set);
+  return found;
+}
+
+std::string Line(const std::string& label, const std::string& field, const std::string& value) {
+  return Padded(label, 27) + Padded(field, 15) + ":  " + value + "\r\n";
+}
+
+std::string TextOf(const List& list, const std::vector<Shown>& devices) {
+  std::string label = list.name + " (total "s + std::to_string(devices.size()) + ")";
+  std::string text;
+  for (const Shown& device : devices) {
+    text += Line(label, "Description", device.name) +
+            Line("", "Manufacturer", device.manufacturer) + Line("", "Driver date", device.date);
+    if (list.extra != nullptr) text += Line("", list.extra, device.extra);
+    text += "\r\n";
+    label.clear();
+  }
+  return devices.empty() ? label + "\r\n" : text;
+}
+
+// The report with all lists on, and the status that every list must have got.
+std::string ReportOfLists(const char* status) {
+  std::string profile;
+  std::vector<std::string> expected;
+  for (const List& list : kLists) {
+    const std::string header = "["s + list.section + "]\r\n";
+    if (profile.find(header) == std::string::npos) profile += header;
+    profile += list.key + "=1\r\n"s;
+    expected.push_back(ProgressLine((list.name + "..."s).c_str(), status));
+  }
+  const Folder folder;
+  std::vector<std::string> lines;
+  const std::string report = ReportOf(folder, profile, {}, &lines);
+  lines.resize(expected.size());
+  EXPECT_EQ(lines, expected);
+  return report;
+}
+
+class DevicesOnEveryRelease : public EveryRelease {};
+
+TEST_P(DevicesOnEveryRelease, AreTheSystemsAndTheTests) {
+  const bool is_nt = GetParam().has_tokens;
+  const SeededDevices seeded(is_nt);
+  const std::string report = ReportOfLists("Ok");
+  for (const List& list : kLists) {
+    const std::string text = TextOf(list, DevicesOf(list, is_nt, seeded.shown()));
+    EXPECT_NE(report.find("\r\n" + text), std::string::npos) << text << "in\n" << report;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Devices, DevicesOnEveryRelease, testing::ValuesIn(kReleases),
+                         testing::PrintToStringParamName());
+
+TEST(Devices, WithoutTheSetUpLibrary) {
+  const auto none = RegistryValue::Text(
+      HKEY_CURRENT_USER, "Software\\Wine\\AppDefaults\\hscope.exe\\DllOverrides", "setupapi", "");
+  const std::string report = ReportOfLists("Failed");
+  for (const List& list : kLists)
+    EXPECT_NE(report.find("\r\n" + Padded(list.name, 27) + "\r\n"), std::string::npos) << report;
+}
+
+}  // namespace
+}  // namespace drive
