@@ -17,6 +17,8 @@ wine_display_process=
 # mscoree and mshtml would ask to download; the debugger would wait for ever at a crash.
 wine_environment() {
   export WINEARCH=win32 WINEDEBUG="${WINEDEBUG:--all}" LC_ALL=C.UTF-8
+  # For the tests that turn sound on.
+  export ALSA_CONFIG_PATH=$wine_root/tools/wine_no_sound.conf
   export WINEDLLOVERRIDES="mscoree=;mshtml=;winedbg.exe=d;winemenubuilder.exe=d${WINEDLLOVERRIDES:+;$WINEDLLOVERRIDES}"
 }
 

@@ -60,6 +60,12 @@ inline constexpr DWORD MAX_COMPUTERNAME_LENGTH = 15;
 inline constexpr UINT SEM_FAILCRITICALERRORS = 0x1;
 inline constexpr UINT SEM_NOOPENFILEERRORBOX = 0x8000;
 
+inline constexpr UINT CP_ACP = 0;
+inline constexpr DWORD WC_DISCARDNS = 0x10;
+inline constexpr DWORD WC_SEPCHARS = 0x20;
+inline constexpr DWORD WC_DEFAULTCHAR = 0x40;
+inline constexpr DWORD WC_COMPOSITECHECK = 0x200;
+
 inline constexpr DWORD ERROR_TOO_MANY_OPEN_FILES = 4;
 inline constexpr DWORD ERROR_FILE_EXISTS = 80;
 inline constexpr DWORD ERROR_BUFFER_OVERFLOW = 111;
@@ -251,6 +257,10 @@ int WINAPI lstrlenA(LPCSTR text);
 LPSTR WINAPI lstrcpyA(LPSTR target, LPCSTR source);
 LPSTR WINAPI lstrcpynA(LPSTR target, LPCSTR source, int size);
 LPSTR WINAPI lstrcatA(LPSTR target, LPCSTR source);
+// The system code page alone. A length of -1 is a text with its terminator; a size of 0 asks for
+// the bytes needed. What the code page does not have becomes "?", decomposed characters too.
+int WINAPI WideCharToMultiByte(UINT code_page, DWORD flags, LPCWSTR text, int length, LPSTR target,
+                               int size, LPCSTR default_character, BOOL* default_used);
 int WINAPI lstrcmpA(LPCSTR left, LPCSTR right);
 int WINAPI lstrcmpiA(LPCSTR left, LPCSTR right);
 

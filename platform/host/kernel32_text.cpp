@@ -7,6 +7,7 @@
 #include <array>
 #include <compare>
 #include <cstring>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -268,4 +269,30 @@ LPSTR WINAPI lstrcpynA(LPSTR target, LPCSTR source, int size) {
 LPSTR WINAPI lstrcatA(LPSTR target, LPCSTR source) {
   if (CallFails("lstrcatA") || target == nullptr || source == nullptr) return nullptr;
   return std::strcat(target, source);
+}
+
+int WINAPI WideCharToMultiByte(UINT code_page, DWORD flags, LPCWSTR text, int length, LPSTR target,
+                               int size, LPCSTR default_character, BOOL* default_used) {
+  if (CallFails("WideCharToMultiByte")) return 0;
+  constexpr DWORD kKnownFlags = WC_DISCARDNS | WC_SEPCHARS | WC_DEFAULTCHAR | WC_COMPOSITECHECK;
+  DWORD error = ERROR_SUCCESS;
+  if (code_page != CP_ACP || text == nullptr || length == 0 || size < 0 ||
+      (target == nullptr && size > 0) || default_character != nullptr || default_used != nullptr) {
+    error = ERROR_INVALID_PARAMETER;
+  } else if ((flags & ~kKnownFlags) != 0) {
+    error = ERROR_INVALID_FLAGS;
+  }
+  if (error != ERROR_SUCCESS) {
+    SetLastError(error);
+    return 0;
+  }
+  const int units =
+      length < 0 ? static_cast<int>(std::char_traits<WCHAR>::length(text)) + 1 : length;
+  if (size == 0) return units;
+  const int converted = std::min(units, size);
+  std::transform(text, text + converted, target,
+                 [](WCHAR unit) { return CodePageFromUnicode(unit).value_or('?'); });
+  if (converted == units) return units;
+  SetLastError(ERROR_INSUFFICIENT_BUFFER);
+  return 0;
 }

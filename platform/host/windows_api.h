@@ -7,6 +7,8 @@
 #include "platform/host/gdi32.h"
 #include "platform/host/kernel32.h"
 #include "platform/host/mapi32.h"
+#include "platform/host/msacm32.h"
+#include "platform/host/msvfw32.h"
 #include "platform/host/setupapi.h"
 #include "platform/host/shell32.h"
 #include "platform/host/user32.h"

@@ -169,6 +169,13 @@ void Place::SetMachineText(std::string_view key, std::string_view name, std::str
   RegCloseKey(made);
 }
 
+// The session leads what is played into nothing.
+void Place::TurnOnSound() {
+  constexpr char kDriver[] = "alsa";
+  EXPECT_EQ(ERROR_SUCCESS, RegSetKeyValueA(HKEY_CURRENT_USER, "Software\\Wine\\Drivers", "Audio",
+                                           REG_SZ, kDriver, sizeof kDriver));
+}
+
 namespace {
 
 // The dialog template as the platform lays it out: 16-bit words, items on 32-bit boundaries.
@@ -269,6 +276,10 @@ void Describe(host::Machine& machine) {
   spare.name = kSpareLibrary;
   spare.exports[kSpareFunction] = host::Export(&Describe);
   machine.libraries.Add(spare);
+  machine.multimedia.audio_codecs = {{0x04000000, "IMA ADPCM"}, {0x01000000, "MS ADPCM"}};
+  machine.multimedia.video_codecs = {{0x656C726D, "RLE", "msrle32.dll"},
+                                     {0x6376736D, "Video 1", "msvidc32.dll"},
+                                     {0x64697663, "Cinepak", "iccvid.dll"}};
 }
 
 }  // namespace
@@ -299,6 +310,11 @@ void Place::OwnMachineKey(std::string_view key) {
 
 void Place::SetMachineText(std::string_view key, std::string_view name, std::string_view text) {
   parts_->machine.registry.SetText("HKLM\\" + std::string(key), name, text);
+}
+
+void Place::TurnOnSound() {
+  parts_->machine.multimedia.wave_inputs = {{0xFFF, "In"}};
+  parts_->machine.multimedia.wave_outputs = {{0xFFF, "Out"}};
 }
 
 INT_PTR Place::RunDialog(std::span<const Control> controls, DLGPROC procedure, LPARAM parameter) {

@@ -79,6 +79,10 @@ class Place {
   void OwnMachineKey(std::string_view key);
   void SetMachineText(std::string_view key, std::string_view name, std::string_view text);
 
+  // Gives the machine a wave input and a wave output; beside them it has three video codecs (the
+  // first is mrle in msrle32.dll) and some audio codecs.
+  void TurnOnSound();
+
   // Runs a dialog named "Contract" that holds the controls, as DialogBoxParamA does.
   INT_PTR RunDialog(std::span<const Control> controls, DLGPROC procedure, LPARAM parameter);
 

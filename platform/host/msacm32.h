@@ -1,0 +1,37 @@
+// The audio compression manager (MSACM32), which is bound at run time only.
+#pragma once
+
+#include "platform/host/mmsystem_errors.h"
+#include "platform/host/windows_types.h"
+
+HOST_DECLARE_HANDLE(HACMDRIVERID);
+
+using ACMDRIVERENUMCB = BOOL(CALLBACK*)(HACMDRIVERID driver, DWORD_PTR instance, DWORD support);
+
+inline constexpr DWORD ACMDRIVERDETAILS_SUPPORTF_CODEC = 0x1;
+inline constexpr DWORD ACM_DRIVERENUMF_NOLOCAL = 0x40000000;
+inline constexpr DWORD ACM_DRIVERENUMF_DISABLED = 0x80000000;
+
+struct ACMDRIVERDETAILSA {
+  DWORD cbStruct;
+  DWORD fccType;
+  DWORD fccComp;
+  WORD wMid;
+  WORD wPid;
+  DWORD vdwACM;
+  DWORD vdwDriver;
+  DWORD fdwSupport;
+  DWORD cFormatTags;
+  DWORD cFilterTags;
+  DWORD hicon;  // a handle of 32 bits on the platform, where the size counts
+  CHAR szShortName[32];
+  CHAR szLongName[128];
+  CHAR szCopyright[80];
+  CHAR szLicensing[128];
+  CHAR szFeatures[512];
+};
+
+// Calls back for each driver that is enabled, in the machine's order, until the callback says no.
+MMRESULT WINAPI acmDriverEnum(ACMDRIVERENUMCB callback, DWORD_PTR instance, DWORD flags);
+// Fills as much of the record as its size field says, and sets that to what it filled.
+MMRESULT WINAPI acmDriverDetailsA(HACMDRIVERID driver, ACMDRIVERDETAILSA* details, DWORD flags);

@@ -1,0 +1,32 @@
+// The video compression manager (MSVFW32), which is bound at run time only.
+#pragma once
+
+#include "platform/host/windows_types.h"
+
+HOST_DECLARE_HANDLE(HIC);
+
+inline constexpr DWORD ICTYPE_VIDEO = 0x63646976;  // "vidc"
+inline constexpr UINT ICMODE_QUERY = 4;
+inline constexpr LRESULT ICERR_OK = 0;
+inline constexpr LRESULT ICERR_BADHANDLE = -8;
+
+struct ICINFO {
+  DWORD dwSize;
+  DWORD fccType;
+  DWORD fccHandler;
+  DWORD dwFlags;
+  DWORD dwVersion;
+  DWORD dwVersionICM;
+  WCHAR szName[16];
+  WCHAR szDescription[128];
+  WCHAR szDriver[128];
+};
+
+// The handler is a four-character code, whose case does not count, or the compressor's number. What
+// is told is the code and the driver; the record must state its size.
+BOOL WINAPI ICInfo(DWORD type, DWORD handler, ICINFO* info);
+// By its code alone. Null: there is no such compressor.
+HIC WINAPI ICOpen(DWORD type, DWORD handler, UINT mode);
+// The number of bytes filled; 0 for a record that is too small.
+LRESULT WINAPI ICGetInfo(HIC compressor, ICINFO* info, DWORD size);
+LRESULT WINAPI ICClose(HIC compressor);

@@ -1,0 +1,62 @@
+#include "probes/devices/audio_codecs.h"
+
+#include "probes/devices/record_list.h"
+#include "util/library.h"
+#include "util/text.h"
+
+namespace hostscope {
+namespace {
+
+constexpr char kListName[] = "Audio codecs";
+
+constexpr std::array<const char*, 2> kManagerFunctions = {"acmDriverEnum", "acmDriverDetailsA"};
+using EnumFunction = decltype(&acmDriverEnum);
+using DetailsFunction = decltype(&acmDriverDetailsA);
+
+struct Enumeration {
+  RecordArray& codecs;
+  DetailsFunction read_details;
+};
+
+BOOL CALLBACK AppendCodec(HACMDRIVERID driver, DWORD_PTR instance, DWORD) {
+  const Enumeration& enumeration = *reinterpret_cast<const Enumeration*>(instance);
+  ACMDRIVERDETAILSA details = {};
+  static_assert(sizeof details == 920);
+  details.cbStruct = sizeof details;
+  AudioCodecRecord codec = {};
+  if (enumeration.read_details(driver, &details, 0) == 0) {
+    FormatCodecVersion(details.vdwDriver, codec.version);
+    CopyText(codec.name, details.szLongName);
+  }
+  enumeration.codecs.Append(&codec);
+  return TRUE;
+}
+
+}  // namespace
+
+void FormatCodecVersion(std::uint32_t version, std::span<char> text) {
+  wsprintfA(text.data(), "%u.%02u", static_cast<unsigned>(version >> 24),
+            static_cast<unsigned>(version >> 16 & 0xFF));
+}
+
+bool ListAudioCodecs(RecordArray& codecs) {
+  BoundLibrary<kManagerFunctions.size()> manager;
+  if (!manager.Bind("MSACM32.DLL", kManagerFunctions)) return false;
+  Enumeration enumeration{codecs, manager.Get<DetailsFunction>(1)};
+  return manager.Get<EnumFunction>(0)(AppendCodec, reinterpret_cast<DWORD_PTR>(&enumeration), 0) ==
+         0;
+}
+
+bool WriteAudioCodecs(ItemRun& run) {
+  RecordArray codecs;
+  codecs.Create(sizeof(AudioCodecRecord));
+  if (!ListAudioCodecs(codecs)) return WriteFailedList(run.report, kListName);
+  WriteLines<AudioCodecRecord>(
+      run.report, kListName, codecs,
+      [](ReportWriter& report, const char* label, const AudioCodecRecord& codec) {
+        report.WriteFormatted("%-27s%-52s ver %s\r\n", label, codec.name, codec.version);
+      });
+  return true;
+}
+
+}  // namespace hostscope
