@@ -3,6 +3,9 @@
 #include "probes/devices/audio_codecs.h"
 #include "probes/devices/cdroms.h"
 #include "probes/devices/device_list.h"
+#include "probes/devices/directx.h"
+#include "probes/devices/display.h"
+#include "probes/devices/joysticks.h"
 #include "probes/devices/midi_devices.h"
 #include "probes/devices/video_codecs.h"
 #include "probes/devices/wave_devices.h"
@@ -155,6 +158,26 @@ constexpr Item kDisplayItems[] = {
     {.progress_label = "Video adapters...",
      .switches = kAnyOf<&Settings::video_adapters>,
      .write_lines = WriteDevices<kVideoAdapters>},
+    {.progress_label = "Display resolution...",
+     .switches = kAnyOf<&Settings::current_resolution, &Settings::max_resolution>,
+     .write_lines = WriteResolution},
+    {.progress_label = "Display colors...",
+     .switches = kAnyOf<&Settings::current_bits_pixel, &Settings::max_bits_pixel>,
+     .write_lines = WriteColors},
+    {.progress_label = "Large font...",
+     .report_label = "Large font",
+     .switches = kAnyOf<&Settings::large_font>,
+     .collect_value = FormatLargeFont},
+};
+
+constexpr Item kDirectXItems[] = {
+    {.progress_label = "DirectX version...",
+     .switches = kAnyOf<&Settings::directx_version>,
+     .write_lines = WriteDirectXVersion},
+    {.progress_label = "3D acceleration...",
+     .report_label = "3D acceleration",
+     .switches = kAnyOf<&Settings::three_d_acceleration>,
+     .collect_value = Format3DAcceleration},
 };
 
 constexpr Item kInputItems[] = {
@@ -164,6 +187,10 @@ constexpr Item kInputItems[] = {
     {.progress_label = "Keyboard...",
      .switches = kAnyOf<&Settings::keyboard>,
      .write_lines = WriteDevices<kKeyboard>},
+    {.progress_label = "Joystick...",
+     .report_label = "Joystick",
+     .switches = kAnyOf<&Settings::joysticks>,
+     .collect_value = FormatJoysticks},
 };
 
 constexpr Item kNetworkItems[] = {
@@ -210,7 +237,7 @@ constexpr Section kSections[] = {
      .items = kSystemItems},
     {.banner = "MULTIMEDIA", .profile_section = "MULTIMEDIA", .items = kMultimediaItems},
     {.banner = "DISPLAY", .profile_section = "DISPLAY", .items = kDisplayItems},
-    {.banner = "DIRECTX", .profile_section = "DIRECTX"},
+    {.banner = "DIRECTX", .profile_section = "DIRECTX", .items = kDirectXItems},
     {.banner = "INPUT", .profile_section = "INPUT", .items = kInputItems},
     {.banner = "NETWORK", .profile_section = "NETWORK", .items = kNetworkItems},
     {.banner = "COMMUNICATION", .profile_section = "COMMUNICATION", .items = kCommunicationItems},

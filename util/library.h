@@ -8,6 +8,37 @@
 
 namespace hostscope {
 
+// A library that is loaded here, whether the process has it already or not, and given back when the
+// owner goes.
+class LoadedLibrary {
+ public:
+  LoadedLibrary() = default;
+  ~LoadedLibrary() { Release(); }
+  LoadedLibrary(const LoadedLibrary&) = delete;
+  LoadedLibrary& operator=(const LoadedLibrary&) = delete;
+
+  // False when the library is absent.
+  bool Load(const char* name) {
+    Release();
+    module_ = LoadLibraryA(name);
+    return module_ != nullptr;
+  }
+  // The function of that name, as the type given; null when the library has none. Only while
+  // loaded.
+  template <typename Function>
+  Function Find(const char* name) const {
+    // By way of a type that fits every function, as the compiler warns of a direct change.
+    return reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(module_, name)));
+  }
+  void Release() {
+    if (module_ != nullptr) FreeLibrary(module_);
+    module_ = nullptr;
+  }
+
+ private:
+  HMODULE module_ = nullptr;
+};
+
 // One binding: takes the library if the process has it already, else loads it and remembers that;
 // resolves every name of a table, or none: when one is missing the binding is released at once.
 // Whoever uses it keeps the table of names beside the function types.

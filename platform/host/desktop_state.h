@@ -41,6 +41,7 @@ inline constexpr DWORD kNoSuchResourceName = 1814;
 inline constexpr std::uintptr_t kHighestBackgroundColor = 31;
 inline constexpr std::uintptr_t kStockObjects = 0x40;
 inline constexpr std::uintptr_t kSystemColorBrushes = 0x80;
+inline constexpr std::uintptr_t kDesktopWindow = 0xB0;
 inline constexpr std::uintptr_t kSystemArrow = 0xC0;
 inline constexpr std::uintptr_t kSystemApplicationIcon = 0xC1;
 inline constexpr std::uintptr_t kProgramIcon = 0xC2;
@@ -333,6 +334,8 @@ struct DeviceContext : Object {
   explicit DeviceContext(HWND its_window) : Object("device context"), window(its_window) {}
   HWND window;  // null: of a memory device or the screen
   bool memory = false;
+  bool information = false;  // tells about the device
+  bool IsCreated() const { return memory || information; }
   HGDIOBJ font = nullptr;
   HGDIOBJ bitmap = nullptr;
   HGDIOBJ brush = nullptr;

@@ -20,12 +20,18 @@ struct Display {
   LONG system_font_height = 16;  // of the desktop window's text metrics, in pixels
 };
 
-// What DirectX the machine has. The libraries are there as their release brought them.
+struct Machine;
+
+// By StateDirectX, which brings the libraries.
 struct DirectX {
   // The release times 0x100, 0x601 for 6.1; 0: none.
   DWORD release = 0;
   bool accelerates_3d = false;
 };
+
+// The release of DirectX as above. The libraries and interfaces are there from now on that it and
+// those before it brought.
+void StateDirectX(Machine& machine, DWORD release);
 
 struct Joysticks {
   UINT slots = 16;              // joyGetNumDevs

@@ -30,7 +30,7 @@ std::string ReadRelease(Machine& machine, string_view, string_view value) {
       {"6", 0x600}, {"6.1", 0x601}, {"7", 0x700}, {"8", 0x800}};
   for (const auto& [name, release] : kReleases) {
     if (value != name) continue;
-    machine.direct_x.release = release;
+    StateDirectX(machine, release);
     return "";
   }
   return "the value is neither \"none\" nor one of 1, 2, 3, 5, 6, 6.1, 7 and 8";

@@ -79,4 +79,10 @@ DWORD CallError(const char* function) {
   return CurrentMachine().faults.Enter(function).value_or(0);
 }
 
+std::optional<HRESULT> CallFault(const char* function) {
+  const std::optional<DWORD> code = CurrentMachine().faults.Enter(function);
+  if (!code) return std::nullopt;
+  return static_cast<HRESULT>(*code);
+}
+
 }  // namespace host

@@ -52,5 +52,8 @@ class Faults {
 bool CallFails(const char* function);
 // The same for functions that answer their error code themselves (the registry): the code, else 0.
 DWORD CallError(const char* function);
+// The same for functions that answer an HRESULT and hand out an object: the code, if any. One that
+// is not negative, 0 too, stands for a success that hands out nothing.
+std::optional<HRESULT> CallFault(const char* function);
 
 }  // namespace host

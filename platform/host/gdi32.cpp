@@ -49,7 +49,7 @@ bool IsBrush(HGDIOBJ object) {
 
 LOGFONTA SystemFontRecord() {
   LOGFONTA record = {};
-  record.lfHeight = 16;
+  record.lfHeight = CurrentMachine().display.system_font_height;
   record.lfWeight = FW_BOLD;
   CopyOut("System", record.lfFaceName, LF_FACESIZE);
   return record;
@@ -249,7 +249,7 @@ HDC CreateCompatibleDC(HDC dc) {
 BOOL DeleteDC(HDC dc) {
   if (CallFails("DeleteDC")) return FALSE;
   const auto found = host::FindDc(dc);
-  return found && found->memory && host::CloseDc(dc);
+  return found && found->IsCreated() && host::CloseDc(dc);
 }
 
 HGDIOBJ SelectObject(HDC dc, HGDIOBJ object) {

@@ -34,6 +34,60 @@ struct BITMAP {
   LPVOID bmBits;
 };
 
+struct TEXTMETRICA {
+  LONG tmHeight;
+  LONG tmAscent;
+  LONG tmDescent;
+  LONG tmInternalLeading;
+  LONG tmExternalLeading;
+  LONG tmAveCharWidth;
+  LONG tmMaxCharWidth;
+  LONG tmWeight;
+  LONG tmOverhang;
+  LONG tmDigitizedAspectX;
+  LONG tmDigitizedAspectY;
+  BYTE tmFirstChar;
+  BYTE tmLastChar;
+  BYTE tmDefaultChar;
+  BYTE tmBreakChar;
+  BYTE tmItalic;
+  BYTE tmUnderlined;
+  BYTE tmStruckOut;
+  BYTE tmPitchAndFamily;
+  BYTE tmCharSet;
+};
+using LPTEXTMETRICA = TEXTMETRICA*;
+
+// What EnumDisplaySettingsA fills, and, of a printer, nothing here.
+struct DEVMODEA {
+  BYTE dmDeviceName[32];
+  WORD dmSpecVersion;
+  WORD dmDriverVersion;
+  WORD dmSize;
+  WORD dmDriverExtra;
+  DWORD dmFields;
+  SHORT of_printers[13];
+  BYTE dmFormName[32];
+  WORD dmLogPixels;
+  DWORD dmBitsPerPel;
+  DWORD dmPelsWidth;
+  DWORD dmPelsHeight;
+  DWORD dmDisplayFlags;
+  DWORD dmDisplayFrequency;
+  DWORD of_printers_too[8];
+};
+static_assert(sizeof(DEVMODEA) == 156);
+using LPDEVMODEA = DEVMODEA*;
+
+inline constexpr DWORD DM_BITSPERPEL = 0x00040000;
+inline constexpr DWORD DM_PELSWIDTH = 0x00080000;
+inline constexpr DWORD DM_PELSHEIGHT = 0x00100000;
+
+inline constexpr int HORZRES = 8;
+inline constexpr int VERTRES = 10;
+inline constexpr int BITSPIXEL = 12;
+inline constexpr int PLANES = 14;
+
 inline constexpr int TRANSPARENT = 1;
 inline constexpr int OPAQUE = 2;
 inline constexpr COLORREF CLR_INVALID = 0xFFFFFFFF;
@@ -72,6 +126,13 @@ BOOL WINAPI DeleteObject(HGDIOBJ object);
 int WINAPI GetObjectA(HGDIOBJ object, int size, LPVOID buffer);
 
 HDC WINAPI CreateCompatibleDC(HDC dc);
+// Of the display ("DISPLAY") alone.
+HDC WINAPI CreateICA(LPCSTR driver, LPCSTR device, LPCSTR output, const DEVMODEA* mode);
+// 0 for an index other than those above.
+int WINAPI GetDeviceCaps(HDC dc, int index);
+// Of the selected font; the height, and what follows from it.
+BOOL WINAPI GetTextMetricsA(HDC dc, LPTEXTMETRICA metrics);
+// Of what was created; not of what was asked of a window.
 BOOL WINAPI DeleteDC(HDC dc);
 // The object that was selected before, of the same kind; null when the handle is no object or DC.
 HGDIOBJ WINAPI SelectObject(HDC dc, HGDIOBJ object);

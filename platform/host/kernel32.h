@@ -285,6 +285,7 @@ HANDLE WINAPI GetCurrentThread();
 HANDLE WINAPI GetCurrentProcess();
 DWORD WINAPI GetCurrentThreadId();
 DWORD WINAPI GetCurrentProcessId();
+void WINAPI OutputDebugStringA(LPCSTR text);
 [[noreturn]] void WINAPI ExitProcess(UINT code);
 void WINAPI Sleep(DWORD milliseconds);
 

@@ -68,6 +68,12 @@ BOOL WINAPI GetVersionExA(LPOSVERSIONINFOA record) {
   return TRUE;
 }
 
+void WINAPI OutputDebugStringA(LPCSTR text) {
+  if (CallFails("OutputDebugStringA") || text == nullptr) return;
+  const auto& debugger = CurrentMachine().debugger;
+  if (debugger) debugger(text);
+}
+
 DWORD WINAPI GetTickCount() {
   if (CallFails("GetTickCount")) return 0;
   return CurrentMachine().tick_count;

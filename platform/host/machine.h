@@ -5,12 +5,14 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/host/com_threads.h"
 #include "platform/host/desktop.h"
 #include "platform/host/display.h"
 #include "platform/host/dll_version.h"
@@ -106,10 +108,13 @@ struct Machine {
   Desktop desktop;
   Display display;
   DirectX direct_x;
+  ComThreads com_threads;
   Joysticks joysticks;
   Multimedia multimedia;
   HandleTable handles;
   Faults faults;
+  // Gets what OutputDebugStringA hands on, on the calling thread; empty: nobody listens.
+  std::function<void(const std::string&)> debugger;
   std::vector<std::string> opened_targets;  // what ShellExecuteA was asked to open, in order
   std::vector<SentMail> mail;               // what MAPISendMail was handed, in order
 };

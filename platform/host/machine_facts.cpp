@@ -382,8 +382,12 @@ std::vector<std::pair<string_view, string_view>> MachineFactNames() {
 
 std::optional<LoadError> StateMachineFacts(const std::vector<IniSection>& sections,
                                            Machine& machine) {
-  for (const IniSection& section : sections) {
-    if (auto error = StateSection(section, machine)) return error;
+  // What a machine lacks is taken from what all its other sections bring.
+  for (const bool of_libraries : {false, true}) {
+    for (const IniSection& section : sections) {
+      if ((section.name == "Libraries") != of_libraries) continue;
+      if (auto error = StateSection(section, machine)) return error;
+    }
   }
   for (const Fact& fact : AllFacts()) {
     if (fact.required && !IsStated(fact, sections)) {

@@ -27,16 +27,17 @@ namespace fs = std::filesystem;
 constexpr int kRefused = 2;
 
 constexpr const char* kUsage =
-    "Usage: hscope --machine DIR [profile] [output folder]\n"
+    "Usage: hscope --machine DIR [--debug-output] [profile] [output folder]\n"
     "\n"
     "Inspects the machine that the folder DIR describes and writes the report that the\n"
     "profile asks for. Without a profile the current folder is searched for one; without an\n"
     "output folder the report goes to the current folder, unless the profile says otherwise.\n"
     "In place of a profile: a shows the authors, h or ? the usage of the program itself.\n"
     "\n"
-    "  --machine DIR  the machine's folder\n"
-    "  --help         shows this text\n"
-    "  --version      shows the version\n"
+    "  --machine DIR   the machine's folder\n"
+    "  --debug-output  what a debugger would be told goes to standard error\n"
+    "  --help          shows this text\n"
+    "  --version       shows the version\n"
     "\n"
     "Exit code: 0; 2 when the arguments or the machine cannot be used.\n";
 
@@ -49,6 +50,7 @@ struct Refusal {
 struct Arguments {
   bool help = false;
   bool version = false;
+  bool debug_output = false;
   std::optional<std::string> machine;
   std::vector<std::string> program;  // profile and output folder
 };
@@ -72,6 +74,8 @@ Arguments ReadArguments(const std::vector<std::string>& given) {
       arguments.help = true;
     } else if (argument == "--version") {
       arguments.version = true;
+    } else if (argument == "--debug-output") {
+      arguments.debug_output = true;
     } else if (argument == "--machine") {
       if (++at == given.size()) throw Refusal{"--machine takes a folder", true};
       if (arguments.machine) throw Refusal{"--machine is there twice", true};
@@ -161,6 +165,9 @@ int Run(const Arguments& arguments) {
   Machine machine;
   Load(machine, *arguments.machine);
   StateOwnFolders(machine);
+  if (arguments.debug_output) {
+    machine.debugger = [](const std::string& text) { std::cerr << TerminalText(text, true); };
+  }
   machine.module_path = ProgramPath(current.native()) + "\\hscope.exe";
   machine.command_line = CommandLine(arguments.program, current);
   machine.files.SetCurrentFolder(ProgramPath(current.native()));

@@ -6,21 +6,6 @@
 inline constexpr int CSIDL_PERSONAL = 0x05;
 inline constexpr int CSIDL_DESKTOPDIRECTORY = 0x10;
 
-inline constexpr HRESULT S_OK = 0;
-inline constexpr HRESULT S_FALSE = 1;
-inline constexpr HRESULT NOERROR = 0;
-inline constexpr HRESULT E_FAIL = static_cast<HRESULT>(0x80004005);
-inline constexpr HRESULT E_NOINTERFACE = static_cast<HRESULT>(0x80004002);
-inline constexpr HRESULT E_OUTOFMEMORY = static_cast<HRESULT>(0x8007000E);
-inline constexpr HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80070057);
-
-constexpr bool SUCCEEDED(HRESULT result) {
-  return result >= 0;
-}
-constexpr bool FAILED(HRESULT result) {
-  return result < 0;
-}
-
 struct SHITEMID {
   USHORT cb;
   BYTE abID[1];

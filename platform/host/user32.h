@@ -423,6 +423,9 @@ BOOL WINAPI GetUpdateRect(HWND window, LPRECT rectangle, BOOL erase);
 HDC WINAPI BeginPaint(HWND window, LPPAINTSTRUCT paint);
 BOOL WINAPI EndPaint(HWND window, const PAINTSTRUCT* paint);
 HDC WINAPI GetDC(HWND window);
+// Of the whole window. The desktop's own window is known to this function alone.
+HDC WINAPI GetWindowDC(HWND window);
+HWND WINAPI GetDesktopWindow();
 int WINAPI ReleaseDC(HWND window, HDC dc);
 int WINAPI DrawTextA(HDC dc, LPCSTR text, int length, LPRECT rectangle, UINT format);
 BOOL WINAPI DrawEdge(HDC dc, LPRECT rectangle, UINT edge, UINT flags);
@@ -432,6 +435,9 @@ int WINAPI FillRect(HDC dc, const RECT* rectangle, HBRUSH brush);
 DWORD WINAPI GetSysColor(int index);
 HBRUSH WINAPI GetSysColorBrush(int index);
 int WINAPI GetSystemMetrics(int index);
+// Bound at run time. The modes of the current display (a null device), counted from 0; the numbers
+// that stand for the current mode are not known.
+BOOL WINAPI EnumDisplaySettingsA(LPCSTR device, DWORD index, LPDEVMODEA mode);
 
 // Rectangles
 BOOL WINAPI SetRect(LPRECT rectangle, int left, int top, int right, int bottom);

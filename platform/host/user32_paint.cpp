@@ -202,7 +202,7 @@ HDC GetDC(HWND window) {
 int ReleaseDC(HWND, HDC dc) {
   if (CallFails("ReleaseDC")) return 0;
   const auto found = host::FindDc(dc);
-  return found && !found->memory && host::CloseDc(dc);
+  return found && !found->IsCreated() && host::CloseDc(dc);
 }
 
 int DrawTextA(HDC dc, LPCSTR text, int length, LPRECT rectangle, UINT format) {

@@ -80,3 +80,21 @@ MMRESULT WINAPI waveInGetDevCapsA(UINT_PTR device, WAVEINCAPSA* capabilities, UI
 MMRESULT WINAPI waveOutGetDevCapsA(UINT_PTR device, WAVEOUTCAPSA* capabilities, UINT size);
 MMRESULT WINAPI midiInGetDevCapsA(UINT_PTR device, MIDIINCAPSA* capabilities, UINT size);
 MMRESULT WINAPI midiOutGetDevCapsA(UINT_PTR device, MIDIOUTCAPSA* capabilities, UINT size);
+
+// ---- joysticks: winmm_joysticks.cpp ----
+
+struct JOYINFO {
+  UINT wXpos;
+  UINT wYpos;
+  UINT wZpos;
+  UINT wButtons;
+};
+using LPJOYINFO = JOYINFO*;
+
+inline constexpr MMRESULT JOYERR_NOERROR = 0;
+inline constexpr MMRESULT JOYERR_PARMS = 165;
+inline constexpr MMRESULT JOYERR_UNPLUGGED = 167;
+
+UINT WINAPI joyGetNumDevs();
+// A joystick that answers stands in the middle, with no button pressed.
+MMRESULT WINAPI joyGetPos(UINT joystick, LPJOYINFO position);

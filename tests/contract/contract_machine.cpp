@@ -272,6 +272,7 @@ void Describe(host::Machine& machine) {
   machine.hardware.memory = {6ULL << 30, 5ULL << 30, std::nullopt};
   machine.module_path = "C:\\Program Files\\contract_tests.exe";
   machine.command_line = "\"" + machine.module_path + "\"";
+  host::StateDirectX(machine, 0x800);
   host::Library spare;
   spare.name = kSpareLibrary;
   spare.exports[kSpareFunction] = host::Export(&Describe);
