@@ -156,6 +156,13 @@ void Place::SetValue(std::string_view subkey, std::string_view name, DWORD type,
   RegCloseKey(made);
 }
 
+// The session leads what is played into nothing.
+void Place::TurnOnSound() {
+  constexpr char kDriver[] = "alsa";
+  EXPECT_EQ(ERROR_SUCCESS, RegSetKeyValueA(HKEY_CURRENT_USER, "Software\\Wine\\Drivers", "Audio",
+                                           REG_SZ, kDriver, sizeof kDriver));
+}
+
 void Place::OwnMachineKey(std::string_view key) {
   parts_->machine_keys.emplace_back(key);
   RegCloseKey(Parts::Create(HKEY_LOCAL_MACHINE, std::string(key)));
@@ -167,13 +174,6 @@ void Place::SetMachineText(std::string_view key, std::string_view name, std::str
                                           reinterpret_cast<const BYTE*>(std::string(text).c_str()),
                                           text.size() + 1));
   RegCloseKey(made);
-}
-
-// The session leads what is played into nothing.
-void Place::TurnOnSound() {
-  constexpr char kDriver[] = "alsa";
-  EXPECT_EQ(ERROR_SUCCESS, RegSetKeyValueA(HKEY_CURRENT_USER, "Software\\Wine\\Drivers", "Audio",
-                                           REG_SZ, kDriver, sizeof kDriver));
 }
 
 namespace {
@@ -305,17 +305,17 @@ void Place::SetValue(std::string_view subkey, std::string_view name, DWORD type,
   parts_->machine.registry.SetValue(parts_->RegistryPath(subkey), name, type, data);
 }
 
+void Place::TurnOnSound() {
+  parts_->machine.multimedia.wave_inputs = {{0xFFF, "In"}};
+  parts_->machine.multimedia.wave_outputs = {{0xFFF, "Out"}};
+}
+
 void Place::OwnMachineKey(std::string_view key) {
   parts_->machine.registry.MakeKey("HKLM\\" + std::string(key));
 }
 
 void Place::SetMachineText(std::string_view key, std::string_view name, std::string_view text) {
   parts_->machine.registry.SetText("HKLM\\" + std::string(key), name, text);
-}
-
-void Place::TurnOnSound() {
-  parts_->machine.multimedia.wave_inputs = {{0xFFF, "In"}};
-  parts_->machine.multimedia.wave_outputs = {{0xFFF, "Out"}};
 }
 
 INT_PTR Place::RunDialog(std::span<const Control> controls, DLGPROC procedure, LPARAM parameter) {

@@ -75,13 +75,13 @@ class Place {
   void MakeKey(std::string_view subkey);
   void SetValue(std::string_view subkey, std::string_view name, DWORD type, std::string_view data);
 
-  // A key below HKEY_LOCAL_MACHINE that goes with the object, with all that a test puts below it.
-  void OwnMachineKey(std::string_view key);
-  void SetMachineText(std::string_view key, std::string_view name, std::string_view text);
-
   // Gives the machine a wave input and a wave output; beside them it has three video codecs (the
   // first is mrle in msrle32.dll) and some audio codecs.
   void TurnOnSound();
+
+  // A key below HKEY_LOCAL_MACHINE that goes with the object, with all that a test puts below it.
+  void OwnMachineKey(std::string_view key);
+  void SetMachineText(std::string_view key, std::string_view name, std::string_view text);
 
   // Runs a dialog named "Contract" that holds the controls, as DialogBoxParamA does.
   INT_PTR RunDialog(std::span<const Control> controls, DLGPROC procedure, LPARAM parameter);

@@ -97,6 +97,19 @@ class LinuxProgramTest(unittest.TestCase):
                 self.assertIn(line, result.stdout.decode("utf-8"))
                 self.assertEqual([p.name for p in self.folder.iterdir()], ["p.ini"])
 
+    def test_what_a_debugger_is_told_is_shown_when_asked_for(self):
+        (self.folder / "p.ini").write_bytes(b"[DIRECTX]\r\nVersion=1\r\n")
+        machine = self.folder / "machine"
+        machine.mkdir()
+        (machine / "machine.ini").write_bytes(
+            b"[Libraries]\nDINPUT.DLL = absent\n[DirectX]\nRelease = 8\n"
+            b"[Version]\nMajor = 4\nMinor = 10\nBuild = 0x040A08AE\nPlatform = 1\n")
+        for option, said in (([], b""), (["--debug-output"], b"Couldn't LoadLibrary DInput\n")):
+            with self.subTest(option):
+                result = self.run_hscope("--machine", machine, *option, "p.ini")
+                self.assertEqual((result.returncode, result.stderr), (0, said))
+                self.assertIn(b"DirectX version            2\r\n", self.report())
+
     def test_the_message_before_the_run_is_answered_with_its_first_button(self):
         (self.folder / "p.ini").write_bytes(
             b"[GENERAL]\r\nCreateMessageBox=1\r\nMessageButtons=4\r\n"

@@ -136,6 +136,54 @@ BitsPerPixel=4
   EXPECT_EQ(machine.registry.Root(Hive::kUsers)->subkeys.At(0, false)->name, "karin");
 }
 
+TEST(MachineFacts, DisplayDirectXAndJoysticks) {
+  Machine machine;
+  ASSERT_EQ(State(kVersion + R"([Libraries]
+DDRAW.DLL=without DirectDrawCreateEx
+D3D8.DLL=absent
+[Screen]
+SystemFontHeight=20
+[DisplayModes]
+8=640x480, 65535x1
+16=640x480
+[DirectX]
+Release=8
+Accelerates3D=yes
+[Joysticks]
+Slots=2
+Connected=1, 0
+)",
+                  machine),
+            "");
+  EXPECT_EQ(machine.display.system_font_height, 20);
+  std::string modes;
+  for (const DisplayMode& mode : machine.display.modes) {
+    for (const DWORD number : {mode.width, mode.height, mode.bits_per_pixel})
+      modes += std::to_string(number) + " ";
+  }
+  EXPECT_EQ(modes, "640 480 8 65535 1 8 640 480 16 ");
+  EXPECT_TRUE(machine.direct_x.accelerates_3d);
+  EXPECT_EQ(machine.joysticks.slots, 2u);
+  EXPECT_EQ(machine.joysticks.connected, (std::vector<UINT>{1, 0}));
+  // What is lacking goes over what the release brings, also when it is stated first.
+  HMODULE const draw = machine.libraries.Load("DDRAW.DLL", "");
+  EXPECT_NE(machine.libraries.Function(draw, "DirectDrawCreate"), nullptr);
+  EXPECT_EQ(machine.libraries.Function(draw, "DirectDrawCreateEx"), nullptr);
+  EXPECT_NE(machine.libraries.Load("DINPUT.DLL", ""), nullptr);
+  EXPECT_EQ(machine.libraries.Load("D3D8.DLL", ""), nullptr);
+  const std::pair<std::string, std::string> wrong[] = {
+      {"[DisplayModes]\nmany=640x480\n", "7: many: the key is no number of bits per pixel"},
+      {"[DisplayModes]\n8=640\n", "7: 8: the value is no list of sizes (\"640x480, 800x600\")"},
+      {"[DirectX]\nRelease=4\n",
+       "7: Release: the value is neither \"none\" nor one of 1, 2, 3, 5, 6, 6.1, 7 and 8"},
+      {"[Joysticks]\nConnected=x\n", "7: Connected: the value is no list of joystick numbers"},
+  };
+  for (const auto& [ini, error] : wrong) {
+    Machine other;
+    EXPECT_EQ(State(kVersion + ini, other), error) << ini;
+  }
+}
+
 TEST(MachineFacts, TheCurrentUsersKey) {
   const struct {
     std::string ini;

@@ -1,0 +1,219 @@
+// The section MULTIMEDIA: what the report says beside what the test finds out by other code.
+
+#include <gtest/gtest.h>
+
+#include <list>
+
+#include "platform/win32.h"
+#include "tests/windows/driver.h"
+#include "tests/windows/every_release.h"
+
+namespace drive {
+namespace {
+
+using namespace std::string_literals;
+
+constexpr char kCdromClass[] = "{4D36E965-E325-11CE-BFC1-08002BE10318}";
+constexpr char kCdromId[] = "IDE\\CDROMTEST\\5&0";
+constexpr char kScsiUnit[] =
+    "HARDWARE\\DEVICEMAP\\Scsi\\Scsi Port 3\\Scsi Bus 2\\Target Id 1\\Logical Unit Id 0";
+
+// A key of the local machine with texts in it, which goes with the object.
+class Key {
+ public:
+  Key(const std::string& path, std::initializer_list<std::pair<const char*, const char*>> texts)
+      : path_(path) {
+    HKEY key = nullptr;
+    RegCreateKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, nullptr, REG_OPTION_VOLATILE,
+                    KEY_ALL_ACCESS, nullptr, &key, nullptr);
+    for (const auto& [name, text] : texts) {
+      EXPECT_EQ(RegSetValueExA(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text),
+                               static_cast<DWORD>(std::strlen(text) + 1)),
+                ERROR_SUCCESS)
+          << path;
+    }
+    RegCloseKey(key);
+  }
+  ~Key() { RegDeleteTreeA(HKEY_LOCAL_MACHINE, path_.c_str()); }
+  Key(const Key&) = delete;
+  Key& operator=(const Key&) = delete;
+
+ private:
+  std::string path_;
+};
+
+std::string Narrow(const wchar_t* wide) {
+  char text[512] = {};
+  WideCharToMultiByte(CP_ACP, 0, wide, -1, text, sizeof text - 1, nullptr, nullptr);
+  return text;
+}
+
+std::string CodecLine(const std::string& name, const std::string& version) {
+  return Padded(name, 52) + " ver " + version;
+}
+
+BOOL CALLBACK AddAudioCodec(HACMDRIVERID driver, DWORD_PTR lines, DWORD) {
+  ACMDRIVERDETAILSW details = {};
+  details.cbStruct = sizeof details;
+  acmDriverDetailsW(driver, &details, 0);
+  char version[16];
+  std::snprintf(version, sizeof version, "%lu.%02lu", details.vdwDriver >> 24,
+                details.vdwDriver >> 16 & 0xFF);
+  reinterpret_cast<std::vector<std::string>*>(lines)->push_back(
+      CodecLine(Narrow(details.szLongName), version));
+  return TRUE;
+}
+
+std::string VersionOf(const wchar_t* file) {
+  std::vector<char> resource(GetFileVersionInfoSizeW(file, nullptr));
+  VS_FIXEDFILEINFO* version = nullptr;
+  UINT size = 0;
+  if (resource.empty() || !GetFileVersionInfoW(file, 0, resource.size(), resource.data()) ||
+      !VerQueryValueW(resource.data(), L"\\", reinterpret_cast<void**>(&version), &size))
+    return "";
+  return std::to_string(HIWORD(version->dwFileVersionMS)) + "." +
+         std::to_string(LOWORD(version->dwFileVersionMS)) + "." +
+         std::to_string(HIWORD(version->dwFileVersionLS)) + "." +
+         std::to_string(LOWORD(version->dwFileVersionLS));
+}
+
+// The registry's drivers "vidc.*", which the manager goes through, each asked by its code.
+std::vector<std::string> VideoCodecLines() {
+  std::vector<std::string> lines;
+  HKEY key = nullptr;
+  RegOpenKeyExA(HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Windows NT\\CurrentVersion\\Drivers32", 0,
+                KEY_READ, &key);
+  char name[64];
+  DWORD size = sizeof name;
+  for (DWORD i = 0; RegEnumValueA(key, i, name, &size, nullptr, nullptr, nullptr, nullptr) == 0;
+       ++i, size = sizeof name) {
+    if (_strnicmp(name, "vidc.", 5) != 0) continue;
+    DWORD code = 0;
+    std::memcpy(&code, name + 5, sizeof code);
+    ICINFO info = {};
+    const HIC compressor = ICOpen(ICTYPE_VIDEO, code, ICMODE_QUERY);
+    ICGetInfo(compressor, &info, sizeof info);
+    ICClose(compressor);
+    lines.push_back(CodecLine(Narrow(info.szDescription), VersionOf(info.szDriver)));
+  }
+  RegCloseKey(key);
+  return lines;
+}
+
+std::vector<std::string> AudioCodecLines() {
+  std::vector<std::string> lines;
+  acmDriverEnum(AddAudioCodec, reinterpret_cast<DWORD_PTR>(&lines), 0);
+  return lines;
+}
+
+// Every format of the null device is there.
+template <typename Capabilities>
+std::vector<std::string> WaveLines(UINT count,
+                                   MMRESULT(WINAPI* read)(UINT_PTR, Capabilities*, UINT)) {
+  std::vector<std::string> lines;
+  for (UINT i = 0; i < count; ++i) {
+    Capabilities capabilities = {};
+    read(i, &capabilities, sizeof capabilities);
+    EXPECT_EQ(capabilities.dwFormats & 0xFFF, 0xFFFu);
+    lines.push_back(Narrow(capabilities.szPname) + ", max format: 44.1 kHz, stereo, 16-bit");
+  }
+  return lines;
+}
+
+std::string List(const std::string& name, const std::vector<std::string>& lines) {
+  std::string label = name + " (total " + std::to_string(lines.size()) + ")";
+  std::string text;
+  for (const std::string& line : lines) {
+    text += Padded(label, 27) + line + "\r\n";
+    label.clear();
+  }
+  return text + "\r\n";
+}
+
+std::string Field(const std::string& label, const char* field, const std::string& value) {
+  return Padded(label, 27) + Padded(field, 15) + ":  " + value + "\r\n";
+}
+
+// What stands below the banner, without the empty line of the network section.
+std::string Items(const std::string& keys, std::vector<std::string>& list) {
+  const Folder folder;
+  const std::string report = ReportOf(folder, "[MULTIMEDIA]\r\n" + keys, {}, &list);
+  const size_t rule = report.rfind("=\r\n\r\n");
+  return rule == std::string::npos ? report : report.substr(rule + 5, report.size() - rule - 7);
+}
+
+class MultimediaOnEveryRelease : public EveryRelease {};
+
+TEST_P(MultimediaOnEveryRelease, CodecsAndSoundDevicesAreAsOtherCodeFindsThem) {
+  const auto sound =
+      RegistryValue::Text(HKEY_CURRENT_USER, "Software\\Wine\\Drivers", "Audio", "alsa");
+  const auto video = VideoCodecLines();
+  EXPECT_EQ(video.size(), 3u);
+  ASSERT_EQ(waveInGetNumDevs() + waveOutGetNumDevs(), 2u);
+  ASSERT_EQ(midiInGetNumDevs() + midiOutGetNumDevs(), 0u);
+  // One more code of a driver that is listed already.
+  const auto second = RegistryValue::Text(
+      HKEY_LOCAL_MACHINE, "Software\\Microsoft\\Windows NT\\CurrentVersion\\Drivers32", "vidc.zzzz",
+      "iccvid.dll");
+  std::vector<std::string> list;
+  EXPECT_EQ(Items("AudioCodecs=1\r\nVideoCodecs=1\r\nWaveIn=1\r\nWaveOut=1\r\nMIDIIn=1\r\n"
+                  "MIDIOut=1\r\n",
+                  list),
+            List("Audio codecs", AudioCodecLines()) + List("Video codecs", video) +
+                List("Wave input", WaveLines(waveInGetNumDevs(), waveInGetDevCapsW)) +
+                List("Wave output", WaveLines(waveOutGetNumDevs(), waveOutGetDevCapsW)) +
+                Padded("MIDI input", 27) + "\r\n" + Padded("MIDI output", 27) + "\r\n");
+  const std::vector<std::string> expected = {ProgressLine("Audio codecs...", "Ok"),
+                                             ProgressLine("Video codecs...", "Ok"),
+                                             ProgressLine("Wave input...", "Ok"),
+                                             ProgressLine("Wave output...", "Ok"),
+                                             ProgressLine("MIDI input...", "Failed"),
+                                             ProgressLine("MIDI output...", "Failed"),
+                                             "",
+                                             kLastLine};
+  EXPECT_EQ(list, expected);
+}
+
+TEST_P(MultimediaOnEveryRelease, CdromsAreFoundAsDevicesOrInTheScsiMap) {
+  const bool is_nt = GetParam().has_tokens;
+  const Key cdrom_class("System\\CurrentControlSet\\Control\\Class\\"s + kCdromClass,
+                        {{"Class", "CDROM"}});
+  const Key unit(kScsiUnit, {{"Type", "cdromperipheral"}, {"Identifier", "In the map"}});
+  std::vector<std::string> list;
+  {
+    // Wine enumerates by the keys of NT in every release; Windows 95/98/Me reads its own.
+    const Key device("System\\CurrentControlSet\\Enum\\"s + kCdromId,
+                     {{"ClassGUID", kCdromClass}, {"DeviceDesc", "A drive"}, {"Mfg", "Maker"}});
+    const Key old_device("Enum\\"s + kCdromId, {{"DeviceDesc", "A drive"},
+                                                {"Mfg", "Maker"},
+                                                {"CurrentDriveLetterAssignment", "DE"},
+                                                {"AutoInsertNotification", "\x01"}});
+    EXPECT_EQ(Items("CDROMs=1\r\n", list),
+              Field("CDROM (total 1)", "Description", "A drive") +
+                  Field("", "Manufacturer", "Maker") + Field("", "Driver date", "") +
+                  Field("", "Autorun", is_nt ? "No" : "Yes") +
+                  (is_nt ? "" : Field("", "Drive letters", "DE")) + "\r\n");
+  }
+  EXPECT_EQ(Items("CDROMs=1\r\n", list),
+            is_nt ? Field("CDROM (total 1)", "Description", "In the map") + "\r\n"
+                  : Padded("CDROM (total 0)", 27) + "\r\n");
+  EXPECT_EQ(list.front(), ProgressLine("CDROM...", "Ok"));
+}
+
+TEST(Multimedia, WithoutTheLibraries) {
+  std::list<RegistryValue> absent;
+  for (const char* const library : {"winmm", "msacm32", "msvfw32"})
+    absent.emplace_back(HKEY_CURRENT_USER, "Software\\Wine\\AppDefaults\\hscope.exe\\DllOverrides",
+                        library, REG_SZ, "\0"s);
+  std::vector<std::string> list;
+  EXPECT_EQ(Items("AudioCodecs=1\r\nVideoCodecs=1\r\nWaveIn=1\r\nMIDIOut=1\r\n", list),
+            Padded("Audio codecs", 27) + "\r\nVideo codecs (total 0)\r\n" +
+                Padded("Wave input", 27) + "\r\n" + Padded("MIDI output", 27) + "\r\n");
+  EXPECT_EQ(list[1], ProgressLine("Video codecs...", "Ok"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Multimedia, MultimediaOnEveryRelease, testing::ValuesIn(kReleases),
+                         testing::PrintToStringParamName());
+
+}  // namespace
+}  // namespace drive
