@@ -1,12 +1,14 @@
-// What the registry dump and the folder tree of hscope.exe cost, told beside what the platform
-// itself takes for the same, in one run: the system's own registry export, and a bare loop that
-// makes the tree's platform calls and writes nothing.
+// What the registry dump, the folder tree and a list of devices of hscope.exe cost, told beside
+// what the platform itself takes for the same, in one run: the system's own registry export, and a
+// bare loop that makes the same platform calls and writes nothing.
 //
 //   HSCOPE_EXE=PATH scan_times.exe [ROUNDS]
 //
 // Each figure is the median of the rounds, in milliseconds; the two sides of a ratio take turns.
 // Exit code 1 when a ratio is larger than it may be.
 #include <windows.h>
+// Needs the line above.
+#include <setupapi.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -162,6 +164,68 @@ std::string MakeFiles(const drive::Folder& folder, int count) {
   return folder.Path(name);
 }
 
+// Mice in the registry, a thousand to a key of their own.
+constexpr char kDevices[] = "SYSTEM\\CurrentControlSet\\Enum\\HSBENCH";
+constexpr char kMouseClass[] = "{4D36E96F-E325-11CE-BFC1-08002BE10318}";
+const std::string kMouseClassKey =
+    std::string("SYSTEM\\CurrentControlSet\\Control\\Class\\") + kMouseClass;
+
+void MakeThousandMice(const std::string& name) {
+  for (int i = 0; i < 1000; ++i) {
+    HKEY key = nullptr;
+    const std::string path = std::string(kDevices) + "\\" + name + "\\" + std::to_string(i);
+    Require(RegCreateKeyA(HKEY_LOCAL_MACHINE, path.c_str(), &key) == ERROR_SUCCESS, "no device");
+    for (const auto& [value, text] : {std::pair{"ClassGUID", kMouseClass},
+                                      {"DeviceDesc", "A mouse of the usual kind"},
+                                      {"Mfg", "Somebody"},
+                                      {"Driver", "HSBENCH\\0000"}})
+      RegSetValueExA(key, value, 0, REG_SZ, reinterpret_cast<const BYTE*>(text),
+                     static_cast<DWORD>(std::string(text).size() + 1));
+    RegCloseKey(key);
+  }
+}
+
+void RemoveMice(const std::string& name) {
+  RegDeleteTreeA(HKEY_LOCAL_MACHINE, (std::string(kDevices) + "\\" + name).c_str());
+}
+
+// The two calls for a value: for its size, and for its data.
+std::string ReadText(HKEY key, const char* name) {
+  char text[256] = {};
+  DWORD size = 0;
+  if (RegQueryValueExA(key, name, nullptr, nullptr, nullptr, &size) != ERROR_SUCCESS) return "";
+  size = sizeof(text) - 1;
+  RegQueryValueExA(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(text), &size);
+  return text;
+}
+
+void ListMiceBare() {
+  GUID guid = {};
+  DWORD number = 0;
+  SetupDiClassGuidsFromNameA("Mouse", &guid, 1, &number);
+  const HDEVINFO set = SetupDiGetClassDevsA(&guid, nullptr, nullptr, DIGCF_PRESENT);
+  SP_DEVINFO_DATA device = {};
+  device.cbSize = sizeof(device);
+  for (DWORD i = 0; SetupDiEnumDeviceInfo(set, i, &device) != 0; ++i) {
+    char id[512] = {};
+    DWORD size = 0;
+    SetupDiGetDeviceInstanceIdA(set, &device, nullptr, 0, &size);
+    SetupDiGetDeviceInstanceIdA(set, &device, id, sizeof(id), nullptr);
+    HKEY key = nullptr;
+    const std::string path = std::string("SYSTEM\\CurrentControlSet\\Enum\\") + id;
+    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_QUERY_VALUE, &key) != 0) continue;
+    for (const char* const name : {"FriendlyName", "DeviceDesc", "Mfg"})
+      ReadText(key, name);
+    const std::string driver =
+        "SYSTEM\\CurrentControlSet\\Control\\Class\\" + ReadText(key, "Driver");
+    HKEY driver_key = nullptr;
+    if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, driver.c_str(), 0, KEY_QUERY_VALUE, &driver_key) == 0)
+      RegCloseKey(driver_key);
+    RegCloseKey(key);
+  }
+  SetupDiDestroyDeviceInfoList(set);
+}
+
 std::string SystemFolder() {
   char path[MAX_PATH] = {};
   GetSystemDirectoryA(path, sizeof(path));
@@ -209,6 +273,33 @@ bool CompareSizes(const drive::Folder& folder, int rounds,
   return values && files;
 }
 
+// The platform's set-up library takes more than twice as long for twice the devices; the program's
+// own part is what it adds to that.
+bool CompareDevices(int rounds, const std::function<double(const std::string&)>& section) {
+  const auto name =
+      drive::RegistryValue::Text(HKEY_LOCAL_MACHINE, kMouseClassKey, "Class", "Mouse");
+  const char list[] = "[INPUT]\r\nMouse=1\r\n";
+  MakeThousandMice("A");
+  MakeThousandMice("B");
+  const bool beside = Compare(
+      "list of 2,000 devices, beside the bare calls", rounds, [&] { return section(list); },
+      [] { return TimeOf(ListMiceBare); }, 1.25);
+  const auto with_half = [&](const std::function<double()>& work) {
+    RemoveMice("B");
+    const double time = work();
+    MakeThousandMice("B");
+    return time;
+  };
+  const bool bare = Compare(
+      "the bare calls for 2,000 devices, beside 1,000", rounds, [] { return TimeOf(ListMiceBare); },
+      [&] { return with_half([] { return TimeOf(ListMiceBare); }); }, 4.0);
+  const bool twice = Compare(
+      "list of 2,000 devices, beside one of 1,000", rounds, [&] { return section(list); },
+      [&] { return with_half([&] { return section(list); }); }, 3.0);
+  RegDeleteTreeA(HKEY_LOCAL_MACHINE, kDevices);
+  return beside && bare && twice;
+}
+
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -223,5 +314,6 @@ int main(int count, char** arguments) {
   std::printf("%-52s %9s %9s %7s\n", "", "ms", "beside", "ratio");
   const bool with_system = CompareWithSystem(folder, rounds, section);
   const bool sizes = CompareSizes(folder, rounds, section);
-  return with_system && sizes ? 0 : 1;
+  const bool devices = CompareDevices(rounds, section);
+  return with_system && sizes && devices ? 0 : 1;
 }

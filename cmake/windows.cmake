@@ -26,7 +26,7 @@ endfunction()
 add_ordinary_exe(dialog_watch tools/dialog_watch.cpp)
 add_ordinary_exe(scan_times bench/scan_times.cpp tests/windows/driver.cpp
                  tests/windows/surroundings.cpp tests/windows/interception.cpp)
-target_link_libraries(scan_times PRIVATE version)
+target_link_libraries(scan_times PRIVATE version setupapi)
 
 # The mail client of the tests: with all functions of Simple MAPI, and with one of them missing.
 function(add_mail_libraries)
