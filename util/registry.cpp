@@ -38,9 +38,9 @@ OwnedText JoinKeyPath(std::initializer_list<const char*> parts) {
   OwnedText path = CopyOfText("", 0, size);
   char* end = path.data();
   if (end == nullptr) return path;
-  for (const char* const part : parts) {
-    if (end != path.data()) *end++ = '\\';
-    CopyText(end, size, part);
+  for (const char* const* part = parts.begin(); part != parts.end(); ++part) {
+    if (part != parts.begin()) *end++ = '\\';
+    CopyText(end, size, *part);
     end += TextLength(end);
   }
   return path;

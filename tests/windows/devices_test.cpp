@@ -21,31 +21,21 @@ struct List {
   const char* key;
   const char* name;
   const char* device_class;
-  GUID guid;
+  const char* guid;
   const char* extra = nullptr;
 };
-
-constexpr GUID ClassGuid(WORD number) {
-  return {0x4D36E900UL | number, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}};
-}
-
 constexpr List kLists[] = {
-    {"MULTIMEDIA", "MediaDevices", "Media devices", "MEDIA", ClassGuid(0x6C)},
-    {"DISPLAY", "Monitors", "Monitors", "Monitor", ClassGuid(0x6E)},
-    {"DISPLAY", "VideoAdapters", "Video adapters", "Display", ClassGuid(0x68)},
-    {"INPUT", "Mouse", "Mouse", "Mouse", ClassGuid(0x6F)},
-    {"INPUT", "Keyboard", "Keyboard", "Keyboard", ClassGuid(0x6B)},
-    {"COMMUNICATION", "Modems", "Modems", "Modem", ClassGuid(0x6D), "Port"},
-    {"PORT", "Ports", "Ports", "Ports", ClassGuid(0x78), "Port name"},
+    {"MULTIMEDIA", "MediaDevices", "Media devices", "MEDIA",
+     "{4d36e96c-e325-11ce-bfc1-08002be10318}"},
+    {"DISPLAY", "Monitors", "Monitors", "Monitor", "{4d36e96e-e325-11ce-bfc1-08002be10318}"},
+    {"DISPLAY", "VideoAdapters", "Video adapters", "Display",
+     "{4d36e968-e325-11ce-bfc1-08002be10318}"},
+    {"INPUT", "Mouse", "Mouse", "Mouse", "{4d36e96f-e325-11ce-bfc1-08002be10318}"},
+    {"INPUT", "Keyboard", "Keyboard", "Keyboard", "{4d36e96b-e325-11ce-bfc1-08002be10318}"},
+    {"COMMUNICATION", "Modems", "Modems", "Modem", "{4d36e96d-e325-11ce-bfc1-08002be10318}",
+     "Port"},
+    {"PORT", "Ports", "Ports", "Ports", "{4d36e978-e325-11ce-bfc1-08002be10318}", "Port name"},
 };
-
-std::string GuidText(const GUID& guid) {
-  char text[40];
-  std::snprintf(text, sizeof text, "{%08lX-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}",
-                guid.Data1, guid.Data2, guid.Data3, guid.Data4[0], guid.Data4[1], guid.Data4[2],
-                guid.Data4[3], guid.Data4[4], guid.Data4[5], guid.Data4[6], guid.Data4[7]);
-  return text;
-}
 
 constexpr char kNtDevices[] = "SYSTEM\\CurrentControlSet\\Enum";
 constexpr char kNtClasses[] = "SYSTEM\\CurrentControlSet\\Control\\Class";
@@ -86,8 +76,8 @@ class SeededDevices {
           {Text("DriverDate", family + " 12-24-2001"s), Text("AttachedTo", family + "COM3"s)});
     for (const List& list : kLists) {
       AddUsual(list);
-      class_names_.emplace_back(HKEY_LOCAL_MACHINE, kNtClasses + ("\\" + GuidText(list.guid)),
-                                "Class", REG_SZ, list.device_class + "\0"s);
+      class_names_.emplace_back(HKEY_LOCAL_MACHINE, kNtClasses + "\\"s + list.guid, "Class", REG_SZ,
+                                list.device_class + "\0"s);
     }
     Add(kLists[0], "HSTEST\\SOUND\\AUDSTUB", {Text("Service", "audstub")}, std::nullopt);
     Add(kLists[3], "HSTEST\\ODD\\TYPES",
@@ -112,7 +102,7 @@ class SeededDevices {
       Put(devices + ("\\" + id), {Text("FriendlyName", family + std::string(list.name) + " \xE4"),
                                   Text("DeviceDesc", "not this"), Text("Mfg", family + "Maker"s),
                                   Text("Driver", "HSTEST\\0000")});
-    Put(kNtDevices + ("\\" + id), {Text("ClassGUID", GuidText(list.guid))});
+    Put(kNtDevices + ("\\" + id), {Text("ClassGUID", list.guid)});
     Put(kNtDevices + ("\\" + id) + "\\Device Parameters", {Text("PortName", "NT" + port)});
     Put(kOldDevices + ("\\" + id), {Text("PORTNAME", "98" + port)});
     const std::string family = is_nt_ ? "NT" : "98";
@@ -120,13 +110,13 @@ class SeededDevices {
                    family + (list.key == "Modems"s ? "COM3" : port)});
     // Wine knows it, Windows 95/98/Me have no key of it.
     const std::string nt_only = "HSTEST\\NT ONLY\\"s + list.device_class;
-    Put(kNtDevices + ("\\" + nt_only), {Text("ClassGUID", GuidText(list.guid))});
+    Put(kNtDevices + ("\\" + nt_only), {Text("ClassGUID", list.guid)});
     Show(nt_only, is_nt_ ? std::optional(Shown()) : std::nullopt);
   }
   void Add(const List& list, const std::string& id, const std::vector<Value>& values,
            const std::optional<Shown>& shown) {
     Put(kNtDevices + ("\\" + id), values);
-    Put(kNtDevices + ("\\" + id), {Text("ClassGUID", GuidText(list.guid))});
+    Put(kNtDevices + ("\\" + id), {Text("ClassGUID", list.guid)});
     Put(kOldDevices + ("\\" + id), values);
     Show(id, shown);
   }
@@ -150,32 +140,31 @@ std::string Narrow(const wchar_t* text) {
 // Every device of the class, in the system's order, by the 16-bit functions.
 std::vector<Shown> DevicesOf(const List& list, bool is_nt, const ShownDevices& seeded) {
   std::vector<Shown> found;
-  const HDEVINFO set = SetupDiGetClassDevsW(&list.guid, nullptr, nullptr, DIGCF_PRESENT);
+  const HDEVINFO set =
+      SetupDiGetClassDevsW(nullptr, nullptr, nullptr, DIGCF_PRESENT | DIGCF_ALLCLASSES);
   SP_DEVINFO_DATA device = {.cbSize = sizeof device};
+  const auto property = [&](DWORD number) {
+    wchar_t text[512] = {};
+    SetupDiGetDeviceRegistryPropertyW(set, &device, number, nullptr, reinterpret_cast<BYTE*>(text),
+                                      sizeof text, nullptr);
+    return Narrow(text);
+  };
   for (DWORD i = 0; SetupDiEnumDeviceInfo(set, i, &device); ++i) {
+    if (lstrcmpiA(property(SPDRP_CLASSGUID).c_str(), list.guid) != 0) continue;
     wchar_t id[512] = {};
     SetupDiGetDeviceInstanceIdW(set, &device, id, 512, nullptr);
     const auto known = seeded.find(Narrow(id));
     if (known != seeded.end()) {
       if (known->second) found.push_back(*known->second);
-      continue;
+    } else if (is_nt) {  // Wine has the keys of its own devices in the places of NT only
+      const std::string name = property(SPDRP_FRIENDLYNAME);
+      char date[512] = {};
+      DWORD size = sizeof date;
+      RegGetValueA(HKEY_LOCAL_MACHINE, (kNtClasses + ("\\" + property(SPDRP_DRIVER))).c_str(),
+                   "DriverDate", RRF_RT_REG_SZ, nullptr, date, &size);
+      found.push_back({name.empty() ? property(SPDRP_DEVICEDESC) : name, property(SPDRP_MFG),
+                       std::string(date).substr(0, 10)});
     }
-    // Wine has the keys of its own devices in the places of NT only.
-    if (!is_nt) continue;
-    const auto property = [&](DWORD number) {
-      wchar_t text[512] = {};
-      SetupDiGetDeviceRegistryPropertyW(set, &device, number, nullptr,
-                                        reinterpret_cast<BYTE*>(text), sizeof text, nullptr);
-      return Narrow(text);
-    };
-    Shown shown = {property(SPDRP_FRIENDLYNAME), property(SPDRP_MFG)};
-    if (shown.name.empty()) shown.name = property(SPDRP_DEVICEDESC);
-    char date[512] = {};
-    DWORD size = sizeof date;
-    RegGetValueA(HKEY_LOCAL_MACHINE, (kNtClasses + ("\\" + property(SPDRP_DRIVER))).c_str(),
-                 "DriverDate", RRF_RT_REG_SZ, nullptr, date, &size);
-    shown.date = std::string(date).substr(0, 10);
-    found.push_back(shown);
   }
   SetupDiDestroyDeviceInfoList(set);
   return found;

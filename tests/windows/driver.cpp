@@ -18,6 +18,7 @@ constexpr int kCheckBoxId = 1002;
 constexpr int kCloseId = 2;
 constexpr int kMessageTextId = 0xFFFF;
 constexpr DWORD kStepMilliseconds = 5;
+constexpr DWORD kStillMilliseconds = 1000;
 
 std::mutex started_lock;
 std::set<DWORD> started;
@@ -250,9 +251,19 @@ int Program::Threads() const {
   return threads;
 }
 
-// The dialog takes no key before the thread has ended, which it does just after its last line.
+// The dialog takes no key before the worker has ended, which it does just after its last line. Where
+// a library of the system keeps a thread of its own, the worker is the one that goes, if it has not
+// gone before: nothing changes any more.
 bool Program::WaitUntilFinished() {
-  return WaitForLine(kLastLine) && WaitUntil([&] { return Threads() <= 1; });
+  if (!WaitForLine(kLastLine)) return false;
+  int threads = Threads();
+  DWORD since = GetTickCount();
+  return WaitUntil([&] {
+    const int now = Threads();
+    if (now != threads) since = GetTickCount();
+    threads = now;
+    return now <= 1 || GetTickCount() - since > kStillMilliseconds;
+  });
 }
 
 std::optional<MessageBoxShown> Program::FindMessageBox() const {

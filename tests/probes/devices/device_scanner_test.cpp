@@ -23,7 +23,7 @@ const host::WindowsVersion kWindows2000 = {5, 0, 2195};
 
 // The exports below have words of their own: [class DIGITS NAME] is a class of NT, whose identifier
 // holds the digits and stands as <DIGITS> elsewhere, [device DIGITS ID] a present device of it; <N>
-// is a long text.
+// is a long text. Two blanks end a line.
 constexpr char kNtDevices[] = R"(
 [class 965 CDROM]
 [class 96c MEDIA]
@@ -31,104 +31,52 @@ constexpr char kNtDevices[] = R"(
 [class 96e Monitor]
 [class 972 Net]
 [class 978 Ports]
-[CCS\Control\Class\m\1]
-"DriverDate"="6-6-2001"
-"AttachedTo"="COM3"
-"NetCfgInstanceId"="{A}"
-[CCS\Control\Class\m\2]
-"DriverDate"="12345678901"
-"NetCfgInstanceId"="{B}"
-[CCS\Control\Class\m\3]
-"NetCfgInstanceId"="{C}"
-[device 96E D\b\Everything]
-"FriendlyName"="Big"
-"DeviceDesc"="Screen"
-"Mfg"="Maker"
+[class 979 Modem]
+[CCS\Control\Class\m\1]  "DriverDate"="6-6-2001"  "AttachedTo"="COM3"  "NetCfgInstanceId"="{A}"
+[CCS\Control\Class\m\2]  "DriverDate"="12345678901"  "NetCfgInstanceId"="{B}"
+[CCS\Control\Class\m\3]  "NetCfgInstanceId"="{C}"
+[device 96E D\b\Everything]  "FriendlyName"="Big"  "DeviceDesc"="Screen"  "Mfg"="Maker"
 "Driver"="m\\1"
-[device 96e D\a\Second name]
-"FriendlyName"=hex:
-"DeviceDesc"="Small"
-"Mfg"=hex(1):
+[device 96e D\a\Second name]  "FriendlyName"=hex:  "DeviceDesc"="Small"  "Mfg"=hex(1):
 "Service"="audstub"
-[device 96e D\c\Nothing]
-"Driver"="none"
-[CCS\Enum\D\c\Not present]
-"ClassGUID"="<96e>"
-[device 96e D\d\Lengths]
-"FriendlyName"="<N>"
-"Mfg"=hex:41,42
-"Driver"=hex:6d,5c,32
-[device 96e D\d\Types]
-"FriendlyName"=hex(7):61,00,62,00,00
-"Mfg"=dword:00004443
-[device 96e D\e\Empty text]
-"FriendlyName"=""
-"DeviceDesc"="not this"
-[device 965 C\c\CD]
-"CurrentDriveLetterAssignment"="D"
-"AutoInsertNotification"=hex:09
-[CCS\Services\Cdrom]
-"Autorun"=dword:00000102
+[device 96e D\c\Nothing]  "Driver"="none"
+[CCS\Enum\D\c\Not present]  "ClassGUID"="<96e>"
+[device 96e D\d\Lengths]  "FriendlyName"="<N>"  "Mfg"=hex:41,42  "Driver"=hex:6d,5c,32
+[device 96e D\d\Types]  "FriendlyName"=hex(7):61,00,62,00,00  "Mfg"=dword:00004443
+[device 96e D\e\Empty text]  "FriendlyName"=""  "DeviceDesc"="not this"
+[device 965 C\c\CD]  "CurrentDriveLetterAssignment"="D"  "AutoInsertNotification"=hex:09
+[CCS\Services\Cdrom]  "Autorun"=dword:00000102
 [device 972 N\n\No id]
-[device 972 N\n\With addresses]
-"Driver"="m\\1"
-[CCS\Services\{A}\Parameters\Tcpip]
-"EnableDHCP"=dword:00000100
-"IPAddress"=hex(7):31,2e,32,00,33,2e,34,00,00
-"SubnetMask"="255.255.255.255.255"
-[device 972 N\n\With a bare key]
-"Driver"="m\\2"
-[CCS\Services\{B}\Parameters\Tcpip]
-"EnableDHCP"=hex:01
-[device 972 N\n\Without a key]
-"Driver"="m\\3"
-[device 96d M\m\1]
-"Driver"="m\\1"
-[device 96d M\m\2]
-"AttachedTo"="not this"
-[device 978 P\p\1]
-"PORTNAME"="not this"
+[device 972 N\n\With addresses]  "Driver"="m\\1"
+[CCS\Services\{A}\Parameters\Tcpip]  "EnableDHCP"=dword:00000100
+"IPAddress"=hex(7):31,2e,32,00,33,2e,34,00,00  "SubnetMask"="255.255.255.255.255"
+[device 972 N\n\With a bare key]  "Driver"="m\\2"
+[CCS\Services\{B}\Parameters\Tcpip]  "EnableDHCP"=hex:01
+[device 972 N\n\Without a key]  "Driver"="m\\3"
+[device 96d M\m\1]  "Driver"="m\\1"
+[device 96d M\m\2]  "AttachedTo"="not this"
+[device 978 P\p\1]  "PORTNAME"="not this"
 [device 978 P\p\2]
-[CCS\Enum\P\p\2\Device Parameters]
-"PortName"="LPT1"
-[device 96c S\s\1]
-"Service"="audstub"
-[device 96c S\s\2]
-"Service"="audstub2"
+[CCS\Enum\P\p\2\Device Parameters]  "PortName"="LPT1"
+[device 96c S\s\1]  "Service"="audstub"
+[device 96c S\s\2]  "Service"="audstub2"
 )";
 
 constexpr char kWindows98Devices[] = R"(
-[CCS\Services\Class\Modem]
-"Link"="{00000000-1234-5678-9abc-00AA00BB00CC}"
-[CCS\Services\Class\Net\1]
-"DriverDate"="1-1-1999"
-"AttachedTo"="COM2"
-[HKLM\Enum\B\b\1]
-"Class"="cdrom"
-"CurrentDriveLetterAssignment"="DE"
+[CCS\Services\Class\Modem]  "Link"="{00000000-1234-5678-9abc-00AA00BB00CC}"
+[CCS\Services\Class\Net\1]  "DriverDate"="1-1-1999"  "AttachedTo"="COM2"
+[HKLM\Enum\B\b\1]  "Class"="cdrom"  "CurrentDriveLetterAssignment"="DE"
 "AutoInsertNotification"=hex:02
-[HKLM\Enum\B\b\0]
-"ClassGUID"="<965>"
-"Class"="Net"
-"CurrentDriveLetterAssignment"="<N>"
-[CCS\Services\Cdrom]
-"Autorun"=dword:00000001
-[HKLM\Enum\A\n\1]
-"Class"="Net"
-"Driver"="Net\\1"
-[HKLM\Enum\A\p\1]
-"Class"="Ports"
-"PORTNAME"="COM1"
-[HKLM\Enum\A\m\1]
-"ClassGUID"="{00000000-1234-5678-9ABC-00aa00bb00cc}"
-"Driver"="Net\\1"
+[HKLM\Enum\B\b\0]  "ClassGUID"="<965>"  "Class"="Net"  "CurrentDriveLetterAssignment"="<N>"
+[CCS\Services\Cdrom]  "Autorun"=dword:00000001
+[HKLM\Enum\A\n\1]  "Class"="Net"  "Driver"="Net\\1"
+[HKLM\Enum\A\p\1]  "Class"="Ports"  "PORTNAME"="COM1"
+[HKLM\Enum\A\m\1]  "ClassGUID"="{00000000-1234-5678-9ABC-00aa00bb00cc}"  "Driver"="Net\\1"
 )";
 
 constexpr char kPresentOnWindows98[] = R"(
-[HKDD\Config Manager\Enum\C1]
-"HardWareKey"="B\\B\\1"
-[HKDD\Config Manager\Enum\C2]
-"HardWareKey"="A\\n\\1"
+[HKDD\Config Manager\Enum\C1]  "HardWareKey"="B\\B\\1"
+[HKDD\Config Manager\Enum\C2]  "HardWareKey"="A\\n\\1"
 )";
 
 std::string Expanded(std::string exports) {
@@ -139,6 +87,7 @@ std::string Expanded(std::string exports) {
       {R"(\[CCS)", "[HKLM\\SYSTEM\\CurrentControlSet"},
       {"<(9..)>", "{4d36e$1-E325-11CE-BFC1-08002BE10318}"},
       {"<N>", std::string(300, 'n')},
+      {"  ", "\n"},
   };
   for (const auto& [token, text] : rows)
     exports = std::regex_replace(exports, std::regex(token), text);
@@ -245,26 +194,17 @@ TEST_F(DeviceScanner, Records) {
 }
 
 constexpr char kOldNtFallbacks[] = R"(
-[HKLM\Software\Microsoft\Windows NT\CurrentVersion\NetworkCards\2]
-"Description"="Second"
+[HKLM\Software\Microsoft\Windows NT\CurrentVersion\NetworkCards\2]  "Description"="Second"
 "Manufacturer"="Maker"
-[HKLM\Software\Microsoft\Windows NT\CurrentVersion\NetworkCards\1]
-"Manufacturer"="Other"
+[HKLM\Software\Microsoft\Windows NT\CurrentVersion\NetworkCards\1]  "Manufacturer"="Other"
 [HKCU\Software\Microsoft\Windows\CurrentVersion\Multimedia\MIDIMap]
 "DriverList"="mmdrv.dll<0>:Active, a:Active, b:Active, c:Active, d:active,z:Active, e:Active"
-[CCS\Control\MediaResources\MIDI\mmdrv.dll<0>]
-"Driver"="a.drv"
-[CCS\Control\MediaResources\MIDI\a]
-"Driver"="a.drv"
-[CCS\Control\MediaResources\MIDI\b]
-"Driver"="b.drv"
-[CCS\Control\MediaResources\MIDI\d]
-"Driver"="d.drv"
-[CCS\Control\MediaResources\MIDI\e]
-"Driver"="a.drv"
-[HKLM\SOFTWARE\Microsoft\Windows NT\CurrentVersion\drivers.desc]
-"a.drv"="Port A"
-"d.drv"="Port D"
+[CCS\Control\MediaResources\MIDI\mmdrv.dll<0>]  "Driver"="a.drv"
+[CCS\Control\MediaResources\MIDI\a]  "Driver"="a.drv"
+[CCS\Control\MediaResources\MIDI\b]  "Driver"="b.drv"
+[CCS\Control\MediaResources\MIDI\d]  "Driver"="d.drv"
+[CCS\Control\MediaResources\MIDI\e]  "Driver"="a.drv"
+[HKLM\SOFTWARE\Microsoft\Windows NT\CurrentVersion\drivers.desc]  "a.drv"="Port A"  "d.drv"="Port D"
 )";
 
 TEST_F(DeviceScanner, OldNtListsWhatTheSetUpLibraryDoesNotKnow) {
@@ -327,42 +267,25 @@ TEST(MidiDriverList, EntriesThatAreTaken) {
 }
 
 constexpr char kNtComponents[] = R"(
-[CCS\Control\Class\{0}]
-"Class"="Net"
+[CCS\Control\Class\{0}]  "Class"="Net"
 [CCS\Control\Class\{1}]
-[CCS\Control\Class\{2}]
-"Class"="NETCLIENT"
-[CCS\Control\Class\{3}]
-"Class"="NetClient"
-[CCS\Control\Class\{4}]
-"Class"="NetService"
-[CCS\Control\Network\{2}\b]
-"Description"="B"
-[CCS\Control\Network\{2}\a]
-"Description"="A"
+[CCS\Control\Class\{2}]  "Class"="NETCLIENT"
+[CCS\Control\Class\{3}]  "Class"="NetClient"
+[CCS\Control\Class\{4}]  "Class"="NetService"
+[CCS\Control\Network\{2}\b]  "Description"="B"
+[CCS\Control\Network\{2}\a]  "Description"="A"
 [CCS\Control\Network\{2}\c]
-[CCS\Control\Network\{3}\d]
-"Description"="D"
+[CCS\Control\Network\{3}\d]  "Description"="D"
 )";
 constexpr char kWindows98Components[] = R"(
-[HKLM\Enum\Network\B\0000]
-"Class"="NETCLIENT"
-"MasterCopy"="Enum\\network\\b\\0000"
+[HKLM\Enum\Network\B\0000]  "Class"="NETCLIENT"  "MasterCopy"="Enum\\network\\b\\0000"
 "DeviceDesc"="Client"
-[HKLM\Enum\Network\B\0001]
-"Class"="NetClient"
-"MasterCopy"="Enum\\Network\\B\\0000"
+[HKLM\Enum\Network\B\0001]  "Class"="NetClient"  "MasterCopy"="Enum\\Network\\B\\0000"
 "DeviceDesc"="Copy"
-[HKLM\Enum\Network\A\0000]
-"Class"="NetClient"
-"MasterCopy"="Enum\\Network\\A\\0000"
-[HKLM\Enum\Network\A\0001]
-"Class"="NetClient"
-"MasterCopy"="Enum\\Network\\A\\0001"
+[HKLM\Enum\Network\A\0000]  "Class"="NetClient"  "MasterCopy"="Enum\\Network\\A\\0000"
+[HKLM\Enum\Network\A\0001]  "Class"="NetClient"  "MasterCopy"="Enum\\Network\\A\\0001"
 "DeviceDesc"="Other"
-[HKLM\Enum\Network\A\0002]
-"Class"="NetClient"
-"DeviceDesc"="No master"
+[HKLM\Enum\Network\A\0002]  "Class"="NetClient"  "DeviceDesc"="No master"
 )";
 
 TEST_F(DeviceScanner, NetworkComponentsNeedNoSetUpLibrary) {

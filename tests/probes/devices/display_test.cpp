@@ -3,147 +3,88 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <functional>
-
 #include "tests/support/report_run.h"
 
 namespace hostscope {
 namespace {
 
-using host::Machine;
-using test::ReportRun;
+using Modes = std::vector<host::DisplayMode>;
 
-const std::string kCurrent = "CurrentResolusion=1\r\n";
-const std::string kMax = "MaxResolusion=1\r\n";
-const std::string kCurrentBits = "CurrentBitsPixel=1\r\n";
-const std::string kMaxBits = "MaxBitsPixel=1\r\n";
-
-struct Row {
-  const char* section;
-  std::string keys;
-  std::function<void(Machine&)> describe;
-  std::string lines;
-  std::string status;
-};
-
-std::function<void(Machine&)> Modes(std::vector<host::DisplayMode> modes) {
-  return [modes](Machine& machine) { machine.display.modes = modes; };
-}
-
-std::function<void(Machine&)> Failing(std::vector<const char*> functions) {
-  return [functions](Machine& machine) {
-    for (const char* const function : functions)
-      machine.faults.FailAlways(function, ERROR_NOT_SUPPORTED);
+TEST(DisplayAndInput, Items) {
+  const std::string resolution = "Display resolution...", colors = "Display colors...",
+                    font = "Large font...", joystick = "Joystick...";
+  const std::string current = "[DISPLAY]\r\nCurrentResolusion=1\r\n",
+                    max = "[DISPLAY]\r\nMaxResolusion=1\r\n",
+                    both = current + "MaxResolusion=1\r\n",
+                    bits = "[DISPLAY]\r\nCurrentBitsPixel=1\r\n",
+                    max_bits = "[DISPLAY]\r\nMaxBitsPixel=1\r\n",
+                    both_bits = bits + "MaxBitsPixel=1\r\n", large = "[DISPLAY]\r\nLargeFont=1\r\n",
+                    sticks = "[INPUT]\r\nJoysticks=1\r\n";
+  struct Row {
+    std::string progress, profile, value;
+    Modes modes = {};
+    std::vector<const char*> broken = {};
+    LONG font_height = 16;
+    host::Joysticks joysticks = {};
   };
-}
-
-std::function<void(Machine&)> FontHeight(LONG height) {
-  return [height](Machine& machine) { machine.display.system_font_height = height; };
-}
-
-std::function<void(Machine&)> Connected(UINT slots, std::vector<UINT> numbers) {
-  return [=](Machine& machine) { machine.joysticks = {slots, numbers}; };
-}
-
-std::string Line(const char* label, const std::string& value) {
-  return label + std::string(27 - std::strlen(label), ' ') + value + "\r\n";
-}
-
-void WithoutModes(Machine& machine) {
-  machine.libraries.RemoveExport("USER32.DLL", "EnumDisplaySettingsA");
-}
-
-void ExpectRows(const std::vector<Row>& rows, const std::string& progress) {
+  const Row rows[] = {
+      {resolution, both, "current: 800x600, maximum: 800x600"},
+      {resolution, max, "maximum: 1600x1200", {{1600, 1200, 8}, {1920, 1080, 8}}},
+      {resolution, max, "maximum: 1920x1200", {{1920, 1080, 8}, {1920, 1200, 8}}},
+      {resolution, max, "maximum: 640x481", {{640, 480, 4}, {800, 400, 4}, {640, 481, 8}}},
+      {resolution, max, "maximum: 2147483648x9", {{2147483647, 9, 8}, {2147483648, 9, 8}}},
+      {resolution, current, "current: 800x600", {{1024, 768, 8}}},
+      {resolution, both, "current: 0x0, maximum: 800x600", {}, {"CreateICA"}},
+      {resolution, max, "maximum: 0x0", {}, {"EnumDisplaySettingsA"}},
+      {resolution, both, "current: 800x600, maximum: 0x0", {}, {"GetProcAddress"}},
+      {resolution, max, "Failed", {}, {"CreateICA", "EnumDisplaySettingsA"}},
+      // The current depth is that of one of the four planes.
+      {colors, both_bits, "current: 1, maximum: 4"},
+      {colors, max_bits, "maximum: 32", {{640, 480, 8}, {640, 480, 32}, {1024, 768, 16}}},
+      {colors, both_bits, "current: 0, maximum: 4", {}, {"CreateICA"}},
+      {colors, max_bits, "maximum: 0", {}, {"EnumDisplaySettingsA"}},
+      {colors, bits, "Failed", {}, {"CreateICA", "EnumDisplaySettingsA"}},
+      {font, large, "No"},
+      {font, large, "Yes", {}, {}, 17},
+      {font, large, "Failed", {}, {"GetDesktopWindow"}},
+      {font, large, "Failed", {}, {"GetWindowDC"}},
+      {font, large, "Failed", {}, {"GetTextMetricsA"}},
+      {joystick, sticks, "not present", {}, {}, 16, {2, {}}},
+      {joystick, sticks, "present", {}, {}, 16, {2, {1}}},
+      {joystick, sticks, "not present", {}, {}, 16, {1, {1}}},
+      {joystick, sticks, "not present", {}, {"GetProcAddress"}, 16, {1, {0}}},
+  };
   for (const Row& row : rows) {
-    SCOPED_TRACE("row " + std::to_string(&row - rows.data()) + ": " + row.keys);
-    ReportRun run;
-    run.machine().desktop.bits_per_pixel = 4;
-    row.describe(run.machine());
-    run.Run(std::string("[") + row.section + "]\r\n" + row.keys);
-    // Behind the items stands the empty line of the network section.
-    EXPECT_EQ(run.LastSection(), row.lines + "\r\n");
-    std::string line = progress;
+    SCOPED_TRACE("row " + std::to_string(&row - rows) + ": " + row.profile);
+    test::ReportRun run;
+    host::Machine& machine = run.machine();
+    machine.desktop.bits_per_pixel = 4;
+    machine.display = {row.modes, row.font_height};
+    machine.joysticks = row.joysticks;
+    for (const char* const function : row.broken)
+      machine.faults.FailAlways(function, ERROR_NOT_SUPPORTED);
+    run.Run(row.profile);
+    const bool failed = row.value == "Failed";
+    // Behind the label; behind the item stands the empty line of the network section.
+    EXPECT_EQ(run.LastSection().substr(27), (failed ? "" : row.value) + "\r\n\r\n");
+    std::string line = row.progress;
     line.resize(25, ' ');
-    EXPECT_EQ(run.Progress(), std::vector<std::string>{line + row.status});
+    EXPECT_EQ(run.Progress(), std::vector<std::string>{line + (failed ? "Failed" : "Ok")});
     for (const char* const kind : {"device context", "library"})
-      EXPECT_FALSE(run.machine().handles.OpenObjects().contains(kind)) << kind;
+      EXPECT_FALSE(machine.handles.OpenObjects().contains(kind)) << kind;
   }
 }
 
-TEST(Display, Resolution) {
-  const auto line = [](const std::string& value) { return Line("Resolution", value); };
-  const auto both_fail = Failing({"CreateICA", "EnumDisplaySettingsA"});
-  const std::vector<Row> rows = {
-      {"DISPLAY", kCurrent + kMax, Modes({}), line("current: 800x600, maximum: 800x600"), "Ok"},
-      {"DISPLAY", kMax, Modes({{1600, 1200, 8}, {1920, 1080, 8}}), line("maximum: 1600x1200"),
-       "Ok"},
-      {"DISPLAY", kMax, Modes({{1920, 1080, 8}, {1920, 1200, 8}}), line("maximum: 1920x1200"),
-       "Ok"},
-      {"DISPLAY", kMax, Modes({{640, 480, 4}, {800, 400, 4}, {600, 600, 4}, {640, 481, 8}}),
-       line("maximum: 640x481"), "Ok"},
-      {"DISPLAY", kMax, Modes({{0x7FFFFFFF, 480, 8}, {0x80000000, 480, 8}}),
-       line("maximum: 2147483648x480"), "Ok"},
-      {"DISPLAY", kCurrent, Modes({{1024, 768, 8}}), line("current: 800x600"), "Ok"},
-      {"DISPLAY", kCurrent + kMax, Failing({"CreateICA"}), line("current: 0x0, maximum: 800x600"),
-       "Ok"},
-      {"DISPLAY", kCurrent, Failing({"CreateICA"}), line("current: 0x0"), "Ok"},
-      {"DISPLAY", kMax, Failing({"EnumDisplaySettingsA"}), line("maximum: 0x0"), "Ok"},
-      {"DISPLAY", kCurrent + kMax, WithoutModes, line("current: 800x600, maximum: 0x0"), "Ok"},
-      {"DISPLAY", kMax, both_fail, line(""), "Failed"},
-  };
-  ExpectRows(rows, "Display resolution...");
-}
-
-TEST(Display, Colors) {
-  const auto line = [](const std::string& value) { return Line("Colors (bpp)", value); };
-  const std::vector<Row> rows = {
-      // The current depth is that of one of the four planes.
-      {"DISPLAY", kCurrentBits + kMaxBits, Modes({}), line("current: 1, maximum: 4"), "Ok"},
-      {"DISPLAY", kMaxBits, Modes({{640, 480, 8}, {640, 480, 32}, {1024, 768, 16}}),
-       line("maximum: 32"), "Ok"},
-      {"DISPLAY", kCurrentBits, [](Machine& machine) { machine.desktop.bits_per_pixel = 24; },
-       line("current: 24"), "Ok"},
-      {"DISPLAY", kCurrentBits + kMaxBits, Failing({"CreateICA"}), line("current: 0, maximum: 4"),
-       "Ok"},
-      {"DISPLAY", kMaxBits, Failing({"EnumDisplaySettingsA"}), line("maximum: 0"), "Ok"},
-      {"DISPLAY", kCurrentBits, Failing({"CreateICA", "EnumDisplaySettingsA"}), line(""), "Failed"},
-  };
-  ExpectRows(rows, "Display colors...");
-}
-
-TEST(Display, LargeFont) {
-  const auto line = [](const std::string& value) { return Line("Large font", value); };
-  const std::string key = "LargeFont=1\r\n";
-  const std::vector<Row> rows = {
-      {"DISPLAY", key, FontHeight(16), line("No"), "Ok"},
-      {"DISPLAY", key, FontHeight(17), line("Yes"), "Ok"},
-      {"DISPLAY", key, FontHeight(20), line("Yes"), "Ok"},
-      {"DISPLAY", key, Failing({"GetDesktopWindow"}), line(""), "Failed"},
-      {"DISPLAY", key, Failing({"GetWindowDC"}), line(""), "Failed"},
-      {"DISPLAY", key, Failing({"GetTextMetricsA"}), line(""), "Failed"},
-  };
-  ExpectRows(rows, "Large font...");
-}
-
-TEST(Joysticks, PresentWhenOneAnswers) {
-  const auto line = [](const std::string& value) { return Line("Joystick", value); };
-  const std::string key = "Joysticks=1\r\n";
-  const std::vector<Row> rows = {
-      {"INPUT", key, Connected(16, {}), line("not present"), "Ok"},
-      {"INPUT", key, Connected(2, {}), line("not present"), "Ok"},
-      {"INPUT", key, Connected(2, {1}), line("present"), "Ok"},
-      {"INPUT", key, Connected(1, {1}), line("not present"), "Ok"},
-      {"INPUT", key, Failing({"joyGetNumDevs"}), line("not present"), "Ok"},
-      {"INPUT", key, [](Machine& machine) { machine.libraries.Remove("WINMM.DLL"); },
-       line("not present"), "Ok"},
-  };
-  ExpectRows(rows, "Joystick...");
-}
-
-TEST(DisplayAndInput, NothingWithoutASwitch) {
-  ReportRun run;
-  run.Run("[DISPLAY]\r\nLargeFont=0\r\n[DIRECTX]\r\nVersion=0\r\n[INPUT]\r\nJoysticks=0\r\n");
+TEST(DisplayAndInput, Labels) {
+  test::ReportRun run;
+  run.Run(
+      "[DISPLAY]\r\nMaxResolusion=1\r\nMaxBitsPixel=1\r\nLargeFont=1\r\n[DIRECTX]\r\nVersion="
+      "0\r\n");
+  EXPECT_EQ(run.LastSection(),
+            "Resolution                 maximum: 800x600\r\n"
+            "Colors (bpp)               maximum: 8\r\n"
+            "Large font                 No\r\n\r\n");
+  run.Run("[DISPLAY]\r\nLargeFont=0\r\n[INPUT]\r\nJoysticks=0\r\n");
   EXPECT_EQ(run.LastSection(), "no banner");
 }
 

@@ -10,7 +10,6 @@
 #include "probes/devices/wave_devices.h"
 #include "tests/support/report_run.h"
 #include "tests/support/versioned_file.h"
-#include "util/text.h"
 
 namespace hostscope {
 namespace {
@@ -60,83 +59,24 @@ TEST(AudioCodecs, VersionWords) {
   }
 }
 
-// The lines of one item, and its status word behind them.
-std::string ItemOf(ReportRun& run, const std::string& key) {
-  run.Run("[MULTIMEDIA]\r\n" + key + "=1\r\n");
-  std::string lines = run.LastSection();
-  EXPECT_TRUE(lines.ends_with("\r\n"));
-  lines.resize(lines.size() - 2);  // the empty line of the network section
-  return lines + run.Progress().back();
-}
-
-std::string Padded(std::string text, std::size_t width = 27) {
-  text.resize(std::max(width, text.size()), ' ');
-  return text;
-}
-
-struct Row {
-  const char* what;
-  const char* key;
-  std::function<void(Machine&)> arrange;
-  std::string expected;
-};
-
-void ExpectItems(std::span<const Row> rows) {
-  for (const Row& row : rows) {
-    ReportRun run;
-    row.arrange(run.machine());
-    EXPECT_EQ(ItemOf(run, row.key), row.expected) << row.key << ", " << row.what;
-    for (const char* const kind : {"key", "compressor", "device set", "file"})
-      EXPECT_FALSE(run.machine().handles.OpenObjects().contains(kind)) << row.what << ", " << kind;
-    for (const char* const library : {"WINMM.DLL", "MSACM32.DLL", "MSVFW32.DLL"})
-      EXPECT_EQ(run.machine().libraries.References(library), 0u) << row.what << ", " << library;
+// The lines below the banner, ended by "|", runs of blanks made one, and the last item's status
+// word behind them.
+std::string Squeezed(ReportRun& run) {
+  std::string text;
+  for (const char character : run.LastSection()) {
+    if (character == '\n') text += '|';
+    if (character != '\n' && character != '\r' && !(character == ' ' && text.ends_with(' ')))
+      text += character;
   }
+  text.pop_back();  // the empty line of the network section
+  return text + run.Progress().back().substr(25);
 }
 
-constexpr char kOk[] = "Ok";
-std::string Status(const char* progress, const char* word) {
-  return Padded(progress, 25) + word;
-}
-std::string Failed(const char* name) {
-  return Padded(name) + "\r\n" + Status((std::string(name) + "...").c_str(), "Failed");
-}
-
-TEST(MultimediaItems, Codecs) {
-  const std::string long_name(200, 'n');
-  const auto audio = [&](Machine& machine) {
-    machine.multimedia.audio_codecs = {{0x04010565, "Microsoft ADPCM CODEC"}, {1, long_name}};
-  };
-  const auto without_library = [](const char* name) {
-    return [name](Machine& machine) { machine.libraries.Remove(name); };
-  };
-  const std::string audio_label = Padded("Audio codecs (total 2)");
-  const std::string audio_ok = "\r\n" + Status("Audio codecs...", kOk);
-  const Row rows[] = {
-      {"none", "AudioCodecs", [](Machine&) {}, "Audio codecs (total 0)" + audio_ok},
-      {"two", "AudioCodecs", audio,
-       audio_label + Padded("Microsoft ADPCM CODEC", 52) + " ver 4.01\r\n" + Padded("") +
-           std::string(127, 'n') + " ver 0.00\r\n" + audio_ok},
-      {"a driver does not answer", "AudioCodecs",
-       [&](Machine& machine) {
-         audio(machine);
-         machine.faults.FailNth("acmDriverDetailsA", 2, MMSYSERR_NODRIVER);
-       },
-       audio_label + Padded("Microsoft ADPCM CODEC", 52) + " ver 4.01\r\n" + Padded("", 79) +
-           " ver \r\n" + audio_ok},
-      {"the enumeration fails", "AudioCodecs",
-       [&](Machine& machine) {
-         audio(machine);
-         machine.faults.FailAlways("acmDriverEnum", MMSYSERR_NODRIVER);
-       },
-       Failed("Audio codecs")},
-      {"no library", "AudioCodecs", without_library("MSACM32.DLL"), Failed("Audio codecs")},
-      {"not all functions", "AudioCodecs",
-       [](Machine& machine) { machine.libraries.RemoveExport("MSACM32.DLL", "acmDriverDetailsA"); },
-       Failed("Audio codecs")},
-      {"no library", "VideoCodecs", without_library("MSVFW32.DLL"),
-       "Video codecs (total 0)\r\n" + Status("Video codecs...", kOk)},
-  };
-  ExpectItems(rows);
+void ExpectNothingOpen(Machine& machine, const char* what) {
+  for (const char* const kind : {"key", "compressor", "device set", "file"})
+    EXPECT_FALSE(machine.handles.OpenObjects().contains(kind)) << what << ", " << kind;
+  for (const char* const library : {"WINMM.DLL", "MSACM32.DLL", "MSVFW32.DLL"})
+    EXPECT_EQ(machine.libraries.References(library), 0u) << what << ", " << library;
 }
 
 constexpr DWORD Code(const char (&text)[5]) {
@@ -144,6 +84,101 @@ constexpr DWORD Code(const char (&text)[5]) {
   for (int i = 3; i >= 0; --i)
     code = code << 8 | static_cast<BYTE>(text[i]);
   return code;
+}
+
+const std::string kLongName(128, 'n');
+
+void DescribeMultimedia(Machine& machine) {
+  machine.multimedia = {.audio_codecs = {{0x04010565, "Microsoft ADPCM CODEC"}, {1, kLongName}},
+                        .video_codecs = {{Code("cvid"), "Cinepak Codec by Radius", kLongName},
+                                         {Code("mrle"), kLongName, "b.dll"}},
+                        .wave_inputs = {{0x600, "In"}, {0, kLongName}},
+                        .wave_outputs = {{0xFFF, "Out"}},
+                        .midi_inputs = {"MIDI In", kLongName},
+                        .midi_outputs = {{4, 20, 18, 0xFFFF, "FM"}, {7, 65535, 0, 0xA, kLongName}}};
+}
+
+TEST(MultimediaItems, Lists) {
+  ReportRun run;
+  DescribeMultimedia(run.machine());
+  run.Run(
+      "[MULTIMEDIA]\r\nAudioCodecs=1\r\nVideoCodecs=1\r\nWaveIn=1\r\nWaveOut=1\r\nMIDIIn=1\r\n"
+      "MIDIOut=1\r\n");
+  const std::string device(31, 'n'), codec(127, 'n'), blanks(27, ' ');
+  EXPECT_EQ(
+      run.LastSection(),
+      "Audio codecs (total 2)     Microsoft ADPCM CODEC                                ver "
+      "4.01\r\n" +
+          blanks + codec +
+          " ver 0.00\r\n\r\n"
+          "Video codecs (total 2)     Cinepak Codec by Radius                              ver "
+          "\r\n" +
+          blanks + codec +
+          " ver \r\n\r\n"
+          "Wave input (total 2)       In, max format: 44.1 kHz, stereo, 8-bit\r\n" +
+          blanks + device +
+          ", max format: \r\n\r\n"
+          "Wave output (total 1)      Out, max format: 44.1 kHz, stereo, 16-bit\r\n\r\n"
+          "MIDI input (total 2)       MIDI In\r\n" +
+          blanks + device +
+          "\r\n\r\n"
+          "MIDI output (total 2)      Name           :  FM\r\n" +
+          blanks + "Type           :  FM synthesizer\r\n" + blanks + "Voices         :  20\r\n" +
+          blanks + "Notes          :  18\r\n" + blanks + "Channels       :  0xFFFF\r\n\r\n" +
+          blanks + "Name           :  " + device + "\r\n" + blanks +
+          "Type           :  unknown\r\n" + blanks + "Voices         :  65535\r\n" + blanks +
+          "Notes          :  0\r\n" + blanks + "Channels       :  0x000A\r\n\r\n\r\n");
+  const std::vector<std::string> progress = {
+      "Audio codecs...          Ok", "Video codecs...          Ok", "Wave input...            Ok",
+      "Wave output...           Ok", "MIDI input...            Ok", "MIDI output...           Ok"};
+  EXPECT_EQ(run.Progress(), progress);
+  ExpectNothingOpen(run.machine(), "");
+}
+
+TEST(MultimediaItems, WhatIsNotThereOrFails) {
+  const auto nothing = [](Machine& machine) { machine.multimedia = {}; };
+  const auto without = [](const char* library) {
+    return [=](Machine& machine) { machine.libraries.Remove(library); };
+  };
+  const auto failing = [](const char* function, unsigned n) {
+    return [=](Machine& machine) { machine.faults.FailNth(function, n, MMSYSERR_NODRIVER); };
+  };
+  const struct {
+    const char* key;
+    std::function<void(Machine&)> change;
+    std::string expected;
+  } rows[] = {
+      {"AudioCodecs", nothing, "Audio codecs (total 0)|Ok"},
+      {"AudioCodecs", failing("acmDriverDetailsA", 1),
+       "Audio codecs (total 2) ver | " + kLongName.substr(1) + " ver 0.00||Ok"},
+      {"AudioCodecs", failing("acmDriverEnum", 1), "Audio codecs |Failed"},
+      {"AudioCodecs", without("MSACM32.DLL"), "Audio codecs |Failed"},
+      {"AudioCodecs",
+       [](Machine& machine) { machine.libraries.RemoveExport("MSACM32.DLL", "acmDriverDetailsA"); },
+       "Audio codecs |Failed"},
+      {"VideoCodecs", nothing, "Video codecs (total 0)|Ok"},
+      {"VideoCodecs", without("MSVFW32.DLL"), "Video codecs (total 0)|Ok"},
+      {"WaveIn", nothing, "Wave input |Failed"},
+      {"WaveIn", without("WINMM.DLL"), "Wave input |Failed"},
+      {"WaveIn", failing("waveInGetDevCapsA", 2),
+       "Wave input (total 1) In, max format: 44.1 kHz, stereo, 8-bit||Ok"},
+      {"WaveOut", nothing, "Wave output |Failed"},
+      {"WaveOut", failing("waveOutGetDevCapsA", 1), "Wave output |Failed"},
+      {"MIDIIn", nothing, "MIDI input |Failed"},
+      {"MIDIIn", failing("midiInGetDevCapsA", 2), "MIDI input (total 1) MIDI In||Ok"},
+      {"MIDIOut", nothing, "MIDI output |Failed"},
+      {"MIDIOut", failing("midiOutGetDevCapsA", 2),
+       "MIDI output (total 1) Name : FM| Type : FM synthesizer| Voices : 20| Notes : 18"
+       "| Channels : 0xFFFF||Ok"},
+  };
+  for (const auto& row : rows) {
+    ReportRun run;
+    DescribeMultimedia(run.machine());
+    row.change(run.machine());
+    run.Run("[MULTIMEDIA]\r\n" + std::string(row.key) + "=1\r\n");
+    EXPECT_EQ(Squeezed(run), row.expected) << row.key;
+    ExpectNothingOpen(run.machine(), row.key);
+  }
 }
 
 TEST(VideoCodecs, AreListedOnce) {
@@ -164,56 +199,34 @@ TEST(VideoCodecs, AreListedOnce) {
 }
 
 TEST(VideoCodecs, AreCollected) {
-  const std::string long_text(128, 'd');
   const auto failing = [](const char* function, unsigned n) {
     return [=](Machine& machine) { machine.faults.FailNth(function, n, 1); };
   };
   const struct {
     const char* what;
-    std::vector<host::VideoCodec> codecs;
     std::function<void(Machine&)> change;
     const char* expected;  // description|driver|version; of each
   } rows[] = {
-      {"different",
-       {{Code("cvid"), "\xC4 \x80", "a.dll"}, {Code("mrle"), "RLE", "b.dll"}},
-       {},
-       "\xC4 \x80|a.dll|1.10.0.11;RLE|b.dll|;"},
-      {"one driver",
-       {{Code("IV31"), "1", "a.dll"}, {Code("IV32"), "2", "a.dll"}, {Code("mrle"), "3", "b.dll"}},
-       {},
-       "1|a.dll|1.10.0.11;3|b.dll|;"},
-      {"a driver by its path",
-       {{Code("cvid"), "1", "C:\\WINNT\\system32\\a.dll"}},
-       {},
-       "1|C:\\WINNT\\system32\\a.dll|1.10.0.11;"},
-      {"does not open",
-       {{Code("cvid"), "1", "a.dll"}, {Code("mrle"), "2", "b.dll"}},
-       failing("ICOpen", 1),
-       "|a.dll|1.10.0.11;2|b.dll|;"},
-      {"does not answer",
-       {{Code("cvid"), "1", "a.dll"}, {Code("mrle"), "2", "b.dll"}},
-       failing("ICGetInfo", 2),
-       "1|a.dll|1.10.0.11;|b.dll|;"},
-      {"the list breaks off",
-       {{Code("cvid"), "1", "a.dll"}, {Code("mrle"), "2", "b.dll"}},
-       failing("ICInfo", 2),
-       "1|a.dll|1.10.0.11;"},
+      {"one driver, and one by its path", [](Machine&) {},
+       "\xC4 \x80|a.dll|1.10;3|C:\\W\\a.dll|1.10;"},
+      {"does not open", failing("ICOpen", 1), "|a.dll|1.10;3|C:\\W\\a.dll|1.10;"},
+      {"does not answer", failing("ICGetInfo", 3), "\xC4 \x80|a.dll|1.10;|C:\\W\\a.dll|1.10;"},
+      {"the list breaks off", failing("ICInfo", 3), "\xC4 \x80|a.dll|1.10;"},
       {"not converted",
-       {{Code("cvid"), "1", "a.dll"}},
-       [](Machine& machine) { machine.faults.FailAlways("WideCharToMultiByte", 1); },
-       "||;"},
-      {"a code page without flags",
-       {{Code("cvid"), "1", "a.dll"}},
-       failing("WideCharToMultiByte", 1),
-       "1|a.dll|1.10.0.11;"},
+       [](Machine& machine) { machine.faults.FailAlways("WideCharToMultiByte", 1); }, "||;"},
+      {"no flags taken", failing("WideCharToMultiByte", 1),
+       "\xC4 \x80|a.dll|1.10;3|C:\\W\\a.dll|1.10;"},
   };
   for (const auto& row : rows) {
     ReportRun run;
     Machine& machine = run.machine();
-    run.folder().Write("C/WINNT/system32/a.dll", test::Bytes({.fixed = {{1, 10, 0, 11}}}));
+    run.folder().Write("C/W/a.dll", test::Bytes({.strings = {{"FileVersion", "1.10"}}}));
     machine.files.MountDrive('C', run.folder().path() / "C");
-    machine.multimedia.video_codecs = row.codecs;
-    if (row.change) row.change(machine);
+    machine.system_folder = "C:\\W";
+    machine.multimedia.video_codecs = {{Code("IV31"), "\xC4 \x80", "a.dll"},
+                                       {Code("IV32"), "2", "a.dll"},
+                                       {Code("mrle"), "3", "C:\\W\\a.dll"}};
+    row.change(machine);
     RecordArray codecs;
     codecs.Create(sizeof(VideoCodecRecord));
     ListVideoCodecs(codecs);
@@ -223,150 +236,62 @@ TEST(VideoCodecs, AreCollected) {
       came += std::string(codec.description) + "|" + codec.driver + "|" + codec.version + ";";
     }
     EXPECT_EQ(came, row.expected) << row.what;
-    EXPECT_EQ(machine.handles.OpenObjects().count("compressor"), 0u) << row.what;
+    ExpectNothingOpen(machine, row.what);
   }
 }
 
-TEST(MultimediaItems, VideoCodecLines) {
-  const std::string unterminated(128, 'd');
-  const Row rows[] = {
-      {"two", "VideoCodecs",
-       [&](Machine& machine) {
-         machine.multimedia.video_codecs = {{Code("cvid"), "Cinepak Codec by Radius", unterminated},
-                                            {Code("mrle"), unterminated, "b.dll"}};
-       },
-       Padded("Video codecs (total 2)") + Padded("Cinepak Codec by Radius", 52) + " ver \r\n" +
-           Padded("") + std::string(127, 'd') + " ver \r\n\r\n" + Status("Video codecs...", kOk)}};
-  ExpectItems(rows);
-}
-
-TEST(MultimediaItems, WaveAndMidiDevices) {
-  const std::string long_name(40, 'n');
-  const auto devices = [&](Machine& machine) {
-    machine.multimedia = {
-        .wave_inputs = {{0x600, "In"}, {0, long_name}},
-        .wave_outputs = {{0xFFF, "Out"}},
-        .midi_inputs = {"MIDI In", long_name},
-        .midi_outputs = {{4, 20, 18, 0xFFFF, "FM"}, {7, 65535, 0, 0xA, long_name}}};
-  };
-  const auto failing = [&](const char* function, unsigned n) {
-    return [=](Machine& machine) {
-      devices(machine);
-      machine.faults.FailNth(function, n, MMSYSERR_NODRIVER);
-    };
-  };
-  const std::string cut(31, 'n');
-  const std::string first = "In, max format: 44.1 kHz, stereo, 8-bit\r\n";
-  const std::string second = cut + ", max format: \r\n";
-  const std::string in_end = "\r\n" + Status("Wave input...", kOk);
-  const std::string blanks = Padded("");
-  std::vector<Row> rows = {
-      {"two", "WaveIn", devices, Padded("Wave input (total 2)") + first + blanks + second + in_end},
-      {"one does not answer", "WaveIn", failing("waveInGetDevCapsA", 1),
-       Padded("Wave input (total 1)") + second + in_end},
-      {"one", "WaveOut", devices,
-       Padded("Wave output (total 1)") + "Out, max format: 44.1 kHz, stereo, 16-bit\r\n\r\n" +
-           Status("Wave output...", kOk)},
-      {"the only one does not answer", "WaveOut", failing("waveOutGetDevCapsA", 1),
-       Failed("Wave output")},
-      {"two", "MIDIIn", devices,
-       Padded("MIDI input (total 2)") + "MIDI In\r\n" + blanks + cut + "\r\n\r\n" +
-           Status("MIDI input...", kOk)},
-      {"two", "MIDIOut", devices,
-       Padded("MIDI output (total 2)") + "Name           :  FM\r\n" + blanks +
-           "Type           :  FM synthesizer\r\n" + blanks + "Voices         :  20\r\n" + blanks +
-           "Notes          :  18\r\n" + blanks + "Channels       :  0xFFFF\r\n\r\n" + blanks +
-           "Name           :  " + cut + "\r\n" + blanks + "Type           :  unknown\r\n" + blanks +
-           "Voices         :  65535\r\n" + blanks + "Notes          :  0\r\n" + blanks +
-           "Channels       :  0x000A\r\n\r\n" + Status("MIDI output...", kOk)},
-  };
-  for (const auto& [key, name] : {std::pair{"WaveIn", "Wave input"},
-                                  {"WaveOut", "Wave output"},
-                                  {"MIDIIn", "MIDI input"},
-                                  {"MIDIOut", "MIDI output"}}) {
-    rows.push_back({"no device", key, [](Machine&) {}, Failed(name)});
-    rows.push_back({"no library", key,
-                    [&](Machine& machine) {
-                      devices(machine);
-                      machine.libraries.Remove("WINMM.DLL");
-                    },
-                    Failed(name)});
-  }
-  ExpectItems(rows);
-}
-
-void State(Machine& machine, const std::string& exports) {
-  EXPECT_FALSE(host::ReadRegText("REGEDIT4\n" + exports, machine.registry)) << exports;
-}
-
-TEST(MultimediaItems, Cdroms) {
+TEST(Cdroms, AsDevicesOrInTheScsiMap) {
   const std::string guid = "{4D36E965-E325-11CE-BFC1-08002BE10318}";
-  const std::string system = "HKLM\\SYSTEM\\CurrentControlSet\\";
-  const std::string nt_class =
-      "[" + system + "Control\\Class\\" + guid + "]\n\"Class\"=\"CDROM\"\n";
+  const std::string system = "[HKLM\\SYSTEM\\CurrentControlSet\\";
+  const std::string nt_class = system + "Control\\Class\\" + guid + "]\n\"Class\"=\"CDROM\"\n";
   const auto nt_device = [&](const std::string& id, const std::string& values) {
-    const std::string key = "[" + system + "Enum\\IDE\\CdRom" + id;
-    return key + "]\n\"ClassGUID\"=\"" + guid + "\"\n" + values + key + "\\Control]\n";
+    const std::string key = system + "Enum\\IDE\\CdRom" + id;
+    return key + "]\n\"ClassGUID\"=\"" + guid + "\"\n" + values + "\n" + key + "\\Control]\n";
   };
-  const auto unit = [](const std::string& place, const char* type, const char* identifier) {
+  const auto unit = [](const std::string& place, const std::string& values) {
     return "[HKLM\\HARDWARE\\DEVICEMAP\\Scsi\\Scsi Port " + place.substr(0, 1) + "\\Scsi Bus " +
            place.substr(1, 1) + "\\Target Id " + place.substr(2, 1) + "\\Logical Unit Id " +
-           place.substr(3, 1) + "]\n\"Type\"=\"" + type + "\"\n" +
-           (identifier != nullptr ? std::string("\"Identifier\"=\"") + identifier + "\"\n" : "");
+           place.substr(3, 1) + "]\n" + values + "\n";
   };
-  const std::string map =
-      unit("1030", "cdromPERIPHERAL", "Far") + unit("0003", "CdRomPeripheral", "Near") +
-      unit("0001", "DiskPeripheral", "Disk") + unit("0002", "CdRomPeripheral", nullptr) +
-      unit("3333", "CdRomPeripheral", "Last") + unit("0040", "CdRomPeripheral", "beyond");
-  const auto stating = [](const std::string& exports) {
-    return [=](Machine& machine) { State(machine, exports); };
+  const std::string cdrom = "\"Type\"=\"CdRomPeripheral\"\n\"Identifier\"=";
+  const std::string map = unit("3333", cdrom + "\"Last\"") +
+                          unit("1030", "\"Type\"=\"cdromPERIPHERAL\"\n\"Identifier\"=\"Far\"") +
+                          unit("0003", cdrom + "\"Near\"") + unit("0040", cdrom + "\"beyond\"") +
+                          unit("0001", "\"Type\"=\"DiskPeripheral\"\n\"Identifier\"=\"Disk\"") +
+                          unit("0002", "\"Type\"=\"CdRomPeripheral\"");
+  const std::string map_list =
+      "CDROM (total 3) Description : Near|| Description : Far|| Description : Last||Ok";
+  const struct {
+    const char* what;
+    bool is_nt, has_setup;
+    std::string exports, expected;
+  } rows[] = {
+      {"Windows 2000, the map does not count", true, true,
+       nt_class + map + nt_device("A\\1", "\"FriendlyName\"=\"One\"\n\"Mfg\"=\"M\"") +
+           nt_device("B\\1", "\"DeviceDesc\"=\"Two\"") + system +
+           "Services\\Cdrom]\n\"Autorun\"=dword:00000001\n",
+       "CDROM (total 2) Description : One| Manufacturer : M| Driver date : | Autorun : Yes||"
+       " Description : Two| Manufacturer : | Driver date : | Autorun : Yes||Ok"},
+      {"Windows 98", false, true,
+       "[HKLM\\Enum\\SCSI\\A\\1]\n\"Class\"=\"CDROM\"\n\"DeviceDesc\"=\"One\"\n"
+       "\"CurrentDriveLetterAssignment\"=\"DE\"\n\"AutoInsertNotification\"=hex:00\n",
+       "CDROM (total 1) Description : One| Manufacturer : | Driver date : | Autorun : No|"
+       " Drive letters : DE||Ok"},
+      {"no device, a map", true, true, nt_class + map, map_list},
+      {"no set-up library, a map", true, false, map, map_list},
+      {"no device, no map", true, true, nt_class, "CDROM (total 0) |Ok"},
+      {"no set-up library, no map", true, false, "", "CDROM |Failed"},
+      {"Windows 98 has no map", false, false, map, "CDROM |Failed"},
   };
-  const auto line = [](const std::string& label, const char* field, const std::string& value) {
-    return Padded(label) + Padded(field, 15) + ":  " + value + "\r\n";
-  };
-  const std::string ok = Status("CDROM...", kOk);
-  const std::string map_list = line("CDROM (total 3)", "Description", "Near") + "\r\n" +
-                               line("", "Description", "Far") + "\r\n" +
-                               line("", "Description", "Last") + "\r\n" + ok;
-  const Row rows[] = {
-      {"Windows 2000, the map does not count", "CDROMs",
-       stating(nt_class + map + nt_device("A\\1", "\"FriendlyName\"=\"One\"\n\"Mfg\"=\"M\"\n") +
-               nt_device("B\\1", "\"DeviceDesc\"=\"Two\"\n") + "[" + system +
-               "Services\\Cdrom]\n\"Autorun\"=dword:00000001\n"),
-       line("CDROM (total 2)", "Description", "One") + line("", "Manufacturer", "M") +
-           line("", "Driver date", "") + line("", "Autorun", "Yes") + "\r\n" +
-           line("", "Description", "Two") + line("", "Manufacturer", "") +
-           line("", "Driver date", "") + line("", "Autorun", "Yes") + "\r\n" + ok},
-      {"Windows 98", "CDROMs",
-       [&](Machine& machine) {
-         machine.version = {.major = 4, .minor = 10, .platform_id = 1};
-         State(machine,
-               "[HKLM\\Enum\\SCSI\\A\\1]\n\"Class\"=\"CDROM\"\n\"DeviceDesc\"=\"One\"\n"
-               "\"CurrentDriveLetterAssignment\"=\"DE\"\n\"AutoInsertNotification\"=hex:00\n" +
-                   map);
-       },
-       line("CDROM (total 1)", "Description", "One") + line("", "Manufacturer", "") +
-           line("", "Driver date", "") + line("", "Autorun", "No") +
-           line("", "Drive letters", "DE") + "\r\n" + ok},
-      {"no device, a map", "CDROMs", stating(nt_class + map), map_list},
-      {"no set-up library, a map", "CDROMs",
-       [&](Machine& machine) {
-         State(machine, map);
-         machine.libraries.Remove("SETUPAPI.DLL");
-       },
-       map_list},
-      {"no device, no map", "CDROMs", stating(nt_class), Padded("CDROM (total 0)") + "\r\n" + ok},
-      {"no set-up library, no map", "CDROMs",
-       [](Machine& machine) { machine.libraries.Remove("SETUPAPI.DLL"); }, Failed("CDROM")},
-      {"Windows 98 has no map", "CDROMs",
-       [&](Machine& machine) {
-         machine.version = {.major = 4, .minor = 10, .platform_id = 1};
-         State(machine, map);
-         machine.libraries.Remove("SETUPAPI.DLL");
-       },
-       Failed("CDROM")},
-  };
-  ExpectItems(rows);
+  for (const auto& row : rows) {
+    ReportRun run;
+    if (!row.is_nt) run.machine().version = {.major = 4, .minor = 10, .platform_id = 1};
+    if (!row.has_setup) run.machine().libraries.Remove("SETUPAPI.DLL");
+    EXPECT_FALSE(host::ReadRegText("REGEDIT4\n" + row.exports, run.machine().registry)) << row.what;
+    run.Run("[MULTIMEDIA]\r\nCDROMs=1\r\n");
+    EXPECT_EQ(Squeezed(run), row.expected) << row.what;
+    ExpectNothingOpen(run.machine(), row.what);
+  }
 }
 
 }  // namespace
