@@ -75,9 +75,9 @@ class DirectDraw final : public CountedObject<IDirectDraw> {
     if (const auto fault = CallFault("IDirectDraw::GetCaps")) return *fault;
     if (of_driver == nullptr || of_emulation != nullptr) return DDERR_INVALIDPARAMS;
     if (of_driver->dwSize != sizeof *of_driver) return DDERR_INVALIDPARAMS;
-    *of_driver = {.dwSize = sizeof *of_driver,
-                  .dwCaps = CurrentMachine().direct_x.accelerates_3d ? DDCAPS_3D : 0,
-                  .other_fields = {}};
+    // Every driver can move pixels.
+    const DWORD three_d = CurrentMachine().direct_x.accelerates_3d ? DDCAPS_3D : 0;
+    *of_driver = {.dwSize = sizeof *of_driver, .dwCaps = DDCAPS_BLT | three_d, .other_fields = {}};
     return DD_OK;
   }
 

@@ -13,6 +13,7 @@ inline constexpr DWORD DDSCL_NORMAL = 0x08;
 inline constexpr DWORD DDSD_CAPS = 0x01;
 inline constexpr DWORD DDSCAPS_PRIMARYSURFACE = 0x200;
 inline constexpr DWORD DDCAPS_3D = 0x01;
+inline constexpr DWORD DDCAPS_BLT = 0x40;
 
 struct DDSCAPS {
   DWORD dwCaps;

@@ -10,16 +10,38 @@ namespace {
 
 using std::string_view;
 
+std::optional<DWORD> Depth(string_view text) {
+  const std::uint64_t depths[] = {1, 4, 8, 16, 24, 32};
+  const std::optional<std::uint64_t> bits = Number(text);
+  const bool is_one = bits && std::find(depths, std::end(depths), *bits) != std::end(depths);
+  return is_one ? std::optional(static_cast<DWORD>(*bits)) : std::nullopt;
+}
+
+std::string ReadScreenDepth(Machine& machine, string_view, string_view value) {
+  const std::optional<DWORD> bits = Depth(value);
+  if (!bits) return "the value is no number of bits per pixel (1, 4, 8, 16, 24 or 32)";
+  machine.desktop.bits_per_pixel = static_cast<int>(*bits);
+  return "";
+}
+
+template <LONG SIZE::*part>
+std::string ReadScreenSize(Machine& machine, string_view key, string_view value) {
+  std::string error = Read<&Machine::desktop, &Desktop::screen_size, part>(machine, key, value);
+  const bool nothing = error.empty() && machine.desktop.screen_size.*part == 0;
+  return nothing ? "the screen has at least one pixel" : error;
+}
+
 // "640x480, 800x600" for the depth that the key names.
 std::string ReadDisplayModes(Machine& machine, string_view key, string_view value) {
-  const std::optional<std::uint64_t> bits = Number(key, 32);
-  if (!bits) return "the key is no number of bits per pixel";
+  const std::optional<DWORD> bits = Depth(key);
+  if (!bits) return "the key is no number of bits per pixel (1, 4, 8, 16, 24 or 32)";
   do {
     string_view size = TakeItem(value, ',');
     const std::optional<WORD> width = TakeNumber(size, 'x');
     const std::optional<WORD> height = width ? TakeNumber(size, '\0') : std::nullopt;
-    if (!height) return "the value is no list of sizes (\"640x480, 800x600\")";
-    machine.display.modes.push_back({*width, *height, static_cast<DWORD>(*bits)});
+    if (!height || *width == 0 || *height == 0)
+      return "the value is no list of sizes (\"640x480, 800x600\")";
+    machine.display.modes.push_back({*width, *height, *bits});
   } while (!value.empty());
   return "";
 }
@@ -46,9 +68,9 @@ std::string ReadConnectedJoysticks(Machine& machine, string_view, string_view va
 }
 
 constexpr Fact kDisplayFacts[] = {
-    {"Screen", "Width", Read<&Machine::desktop, &Desktop::screen_size, &SIZE::cx>},
-    {"Screen", "Height", Read<&Machine::desktop, &Desktop::screen_size, &SIZE::cy>},
-    {"Screen", "BitsPerPixel", Read<&Machine::desktop, &Desktop::bits_per_pixel>},
+    {"Screen", "Width", ReadScreenSize<&SIZE::cx>},
+    {"Screen", "Height", ReadScreenSize<&SIZE::cy>},
+    {"Screen", "BitsPerPixel", ReadScreenDepth},
     {"Screen", "SystemFontHeight", Read<&Machine::display, &Display::system_font_height>},
     {"DisplayModes", "*", ReadDisplayModes},
     {"DirectX", "Release", ReadRelease},

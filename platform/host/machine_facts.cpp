@@ -371,6 +371,19 @@ std::optional<LoadError> StateSection(const IniSection& section, Machine& machin
   return std::nullopt;
 }
 
+// Which fact cannot hold beside the others; an empty text for none.
+std::string Contradiction(const Machine& machine) {
+  const Processor& processor = machine.hardware.processor;
+  const bool described = processor.age != hostscope::ProcessorAge::kIdentifiable ||
+                         !processor.leaves.empty() || processor.counter_frequency != 0;
+  if (processor.real && described) return "[Processor] Real: the processor is described as well";
+  for (const UINT number : machine.joysticks.connected) {
+    if (number >= machine.joysticks.slots)
+      return "[Joysticks] Connected: there is no slot of number " + std::to_string(number);
+  }
+  return "";
+}
+
 }  // namespace
 
 std::vector<std::pair<string_view, string_view>> MachineFactNames() {
@@ -395,12 +408,8 @@ std::optional<LoadError> StateMachineFacts(const std::vector<IniSection>& sectio
       return LoadError{"", 0, place + " is missing"};
     }
   }
-  const Processor& processor = machine.hardware.processor;
-  const bool described = processor.age != hostscope::ProcessorAge::kIdentifiable ||
-                         !processor.leaves.empty() || processor.counter_frequency != 0;
-  if (processor.real && described) {
-    return LoadError{"", 0, "[Processor] Real: the processor is described as well"};
-  }
+  if (const std::string error = Contradiction(machine); !error.empty())
+    return LoadError{"", 0, error};
   const User& user = machine.user;
   machine.registry.SetCurrentUser(user.registry_key ? *user.registry_key
                                   : machine.IsNt()  ? user.sid

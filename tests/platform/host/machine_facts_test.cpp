@@ -171,12 +171,21 @@ Connected=1, 0
   EXPECT_EQ(machine.libraries.Function(draw, "DirectDrawCreateEx"), nullptr);
   EXPECT_NE(machine.libraries.Load("DINPUT.DLL", ""), nullptr);
   EXPECT_EQ(machine.libraries.Load("D3D8.DLL", ""), nullptr);
+  const std::string depths = " of bits per pixel (1, 4, 8, 16, 24 or 32)";
+  const std::string sizes = " of sizes (\"640x480, 800x600\")";
   const std::pair<std::string, std::string> wrong[] = {
-      {"[DisplayModes]\nmany=640x480\n", "7: many: the key is no number of bits per pixel"},
-      {"[DisplayModes]\n8=640\n", "7: 8: the value is no list of sizes (\"640x480, 800x600\")"},
+      {"[Screen]\nHeight=0\n", "7: Height: the screen has at least one pixel"},
+      {"[Screen]\nBitsPerPixel=15\n", "7: BitsPerPixel: the value is no number" + depths},
+      {"[DisplayModes]\nmany=640x480\n", "7: many: the key is no number" + depths},
+      {"[DisplayModes]\n12=640x480\n", "7: 12: the key is no number" + depths},
+      {"[DisplayModes]\n8=640\n", "7: 8: the value is no list" + sizes},
+      {"[DisplayModes]\n8=640x480, 800x0\n", "7: 8: the value is no list" + sizes},
+      {"[DisplayModes]\n8=0x480\n", "7: 8: the value is no list" + sizes},
       {"[DirectX]\nRelease=4\n",
        "7: Release: the value is neither \"none\" nor one of 1, 2, 3, 5, 6, 6.1, 7 and 8"},
       {"[Joysticks]\nConnected=x\n", "7: Connected: the value is no list of joystick numbers"},
+      {"[Joysticks]\nConnected=0, 2\nSlots=2\n",
+       "0: [Joysticks] Connected: there is no slot of number 2"},
   };
   for (const auto& [ini, error] : wrong) {
     Machine other;
