@@ -18,8 +18,7 @@ void ShowResult(const Item& item, ItemRun& run, bool succeeded) {
 }
 
 void RunValueItem(const Item& item, ItemRun& run) {
-  run.report.WriteFormatted(kLabelFormat, item.report_label);
-  run.report.Flush();
+  run.report.BeginItem(item.report_label);
   run.work.front() = '\0';
   const bool succeeded = item.collect_value(run.context, run.work);
   if (succeeded) run.report.WriteText(run.work.data());

@@ -39,6 +39,11 @@ void ReportWriter::WriteFormatted(const char* format, ...) {
   WriteText(text);
 }
 
+void ReportWriter::BeginItem(const char* label) {
+  WriteFormatted(kLabelFormat, label);
+  Flush();
+}
+
 void ReportWriter::WriteBanner(const char* title) {
   const std::size_t length = TextLength(title) < kLongestTitle ? TextLength(title) : kLongestTitle;
   const std::size_t run = (kRuleWidth - length) / 2 - 1;

@@ -36,6 +36,9 @@ class ReportWriter {
   void WriteText(const char* text);
   // At most 1023 characters by the platform's formatter (wsprintfA); a longer result is cut there.
   void WriteFormatted(const char* format, ...) __attribute__((format(printf, 2, 3)));
+  // Begins the line of a value that is still to be found. The label is in the file before that, so
+  // that a report cut short shows which item it was in.
+  void BeginItem(const char* label);
   // The three lines of a section's head: an empty line first, then the title (at most 80
   // characters) centred between two rules of 84 "=".
   void WriteBanner(const char* title);

@@ -72,6 +72,21 @@ struct DirectXParts {
   LoadedLibrary direct_input_library;
 };
 
+// The steps between the checks: they pass always, and give back what no later check needs.
+
+bool ReleaseDirectInput(DirectXParts& parts) {
+  parts.direct_input_library.Release();
+  return true;
+}
+
+bool ReleaseDirectDraw(DirectXParts& parts) {
+  parts.surface.Release();
+  parts.direct_draw.Release();
+  return true;
+}
+
+// The checks.
+
 bool LoadDirectDraw(DirectXParts& parts) {
   return parts.direct_draw_library.Load(kDirectDraw);
 }
@@ -103,9 +118,7 @@ bool LoadDirectInput(DirectXParts& parts) {
 }
 
 bool HasDirectInputCreate(DirectXParts& parts) {
-  const bool has = parts.direct_input_library.Find<FARPROC>("DirectInputCreateA") != nullptr;
-  parts.direct_input_library.Release();
-  return has;
+  return parts.direct_input_library.Find<FARPROC>("DirectInputCreateA") != nullptr;
 }
 
 bool SetNormalLevel(DirectXParts& parts) {
@@ -128,10 +141,7 @@ bool HasSurface3(DirectXParts& parts) {
 }
 
 bool HasSurface4(DirectXParts& parts) {
-  const bool has = parts.surface.Answers(IID_IDirectDrawSurface4);
-  parts.surface.Release();
-  parts.direct_draw.Release();
-  return has;
+  return parts.surface.Answers(IID_IDirectDrawSurface4);
 }
 
 bool HasDirectMusic(DirectXParts&) {
@@ -157,8 +167,8 @@ bool HasDirect3D8(DirectXParts&) {
 
 struct LadderRow {
   bool (*passes)(DirectXParts& parts);
-  std::uint32_t version_when_failing;
-  const char* debug_text;  // null: none
+  std::uint32_t version_when_failing = 0;
+  const char* debug_text = nullptr;  // null: none
 };
 
 constexpr LadderRow kLadder[] = {
@@ -168,10 +178,12 @@ constexpr LadderRow kLadder[] = {
     {HasDirectDraw2, 0x100, "Couldn't QI DDraw2\r\n"},
     {LoadDirectInput, 0x200, "Couldn't LoadLibrary DInput\r\n"},
     {HasDirectInputCreate, 0x200, "Couldn't GetProcAddress DInputCreate\r\n"},
+    {ReleaseDirectInput},
     {SetNormalLevel, 0x301, "Couldn't Set coop level\r\n"},
     {CreatePrimarySurface, 0x301, "Couldn't CreateSurface\r\n"},
     {HasSurface3, 0x300, nullptr},
     {HasSurface4, 0x500, nullptr},
+    {ReleaseDirectDraw},
     {HasDirectMusic, 0x600, "Couldn't create CLSID_DirectMusic\r\n"},
     {HasDirectDraw7, 0x601, nullptr},
     {HasDirect3D8, 0x700, nullptr},
@@ -245,8 +257,7 @@ bool Has3DAcceleration(bool& accelerated) {
 }
 
 bool WriteDirectXVersion(ItemRun& run) {
-  run.report.WriteFormatted(kLabelFormat, "DirectX version");
-  run.report.Flush();
+  run.report.BeginItem("DirectX version");
   FormatDirectXVersion(run.work);
   run.report.WriteText(run.work.data());
   return true;

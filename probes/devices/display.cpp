@@ -33,16 +33,18 @@ using EnumDisplaySettingsFunction = BOOL(WINAPI*)(LPCSTR device, DWORD index, DE
 
 constexpr WORD kModeSize = 156;
 static_assert(sizeof(DEVMODEA) == kModeSize);
-// Here begin the numbers that stand for a mode and are none in the list.
-constexpr DWORD kModeNumbers = 0xFFFFFFFE;
+// More than any display has: a driver that never comes to the end of its modes is not asked for
+// ever.
+constexpr DWORD kMostModes = 0x10000;
 
-// Calls `visit` with each mode in the driver's order; whether there was one.
+// Calls `visit` with each mode in the driver's order, the first kMostModes of them; whether there
+// was one.
 template <typename Visit>
 bool ForEachDisplayMode(Visit visit) {
   BoundLibrary<kModeFunctions.size()> user;
   if (!user.Bind("USER32.DLL", kModeFunctions)) return false;
   const auto enum_display_settings = user.Get<EnumDisplaySettingsFunction>(0);
-  for (DWORD index = 0; index < kModeNumbers; ++index) {
+  for (DWORD index = 0; index < kMostModes; ++index) {
     DEVMODEA mode = {};
     mode.dmSize = kModeSize;
     if (enum_display_settings(nullptr, index, &mode) == 0) return index != 0;
@@ -54,30 +56,44 @@ bool ForEachDisplayMode(Visit visit) {
 // Long enough for every part: two words and two numbers.
 constexpr std::size_t kPartSize = 64;
 
-// The parts whose keys are on, the current one first.
-void WriteParts(ItemRun& run, Switch current_key, const char* current, Switch max_key,
-                const char* maximum) {
-  const bool has_current = run.settings.*current_key != 0;
-  const bool has_maximum = run.settings.*max_key != 0;
-  if (has_current && has_maximum) {
-    run.report.WriteFormatted("%s, %s", current, maximum);
-  } else {
-    run.report.WriteText(has_current ? current : maximum);
-  }
+// One of the two parts of a line: the key that turns it on, and where its value comes from.
+template <typename Value>
+struct Part {
+  Switch key;
+  bool (*find)(Value& value);
+};
+
+void FormatPart(char (&part)[kPartSize], const char* name, const DisplaySize& size) {
+  wsprintfA(part, "%s: %ux%u", name, static_cast<unsigned>(size.width),
+            static_cast<unsigned>(size.height));
 }
 
-void BeginLine(ReportWriter& report, const char* label) {
-  report.WriteFormatted(kLabelFormat, label);
-  report.Flush();
-}
-
-void FormatSize(char (&part)[kPartSize], const char* name, std::uint32_t width,
-                std::uint32_t height) {
-  wsprintfA(part, "%s: %ux%u", name, static_cast<unsigned>(width), static_cast<unsigned>(height));
-}
-
-void FormatBits(char (&part)[kPartSize], const char* name, std::uint32_t bits) {
+void FormatPart(char (&part)[kPartSize], const char* name, std::uint32_t bits) {
   wsprintfA(part, "%s: %u", name, static_cast<unsigned>(bits));
+}
+
+// The line of a value now and at most, with the parts whose keys are on, the current one first. A
+// part that cannot be had shows zeros; false when neither can.
+template <typename Value>
+bool WriteNowAndMost(ItemRun& run, const char* label, const Part<Value>& now,
+                     const Part<Value>& most) {
+  run.report.BeginItem(label);
+  Value value_now = {}, value_most = {};
+  const bool has_most = most.find(value_most);
+  const bool has_now = now.find(value_now);
+  if (has_most || has_now) {
+    char current[kPartSize], maximum[kPartSize];
+    FormatPart(current, "current", value_now);
+    FormatPart(maximum, "maximum", value_most);
+    const bool writes_now = run.settings.*now.key != 0;
+    if (writes_now && run.settings.*most.key != 0) {
+      run.report.WriteFormatted("%s, %s", current, maximum);
+    } else {
+      run.report.WriteText(writes_now ? current : maximum);
+    }
+  }
+  run.report.WriteText(kLineEnd);
+  return has_most || has_now;
 }
 
 }  // namespace
@@ -131,35 +147,18 @@ bool IsSmallFont(bool& small_font) {
 }
 
 bool WriteResolution(ItemRun& run) {
-  BeginLine(run.report, "Resolution");
-  DisplaySize most, now;
-  const bool has_most = FindMaxResolution(most.width, most.height);
-  const bool has_now = ReadCurrentResolution(now.width, now.height);
-  if (has_most || has_now) {
-    char current[kPartSize], maximum[kPartSize];
-    FormatSize(current, "current", now.width, now.height);
-    FormatSize(maximum, "maximum", most.width, most.height);
-    WriteParts(run, &ProfileSettings::current_resolution, current, &ProfileSettings::max_resolution,
-               maximum);
-  }
-  run.report.WriteText(kLineEnd);
-  return has_most || has_now;
+  return WriteNowAndMost<DisplaySize>(
+      run, "Resolution",
+      {&ProfileSettings::current_resolution,
+       [](DisplaySize& now) { return ReadCurrentResolution(now.width, now.height); }},
+      {&ProfileSettings::max_resolution,
+       [](DisplaySize& most) { return FindMaxResolution(most.width, most.height); }});
 }
 
 bool WriteColors(ItemRun& run) {
-  BeginLine(run.report, "Colors (bpp)");
-  std::uint32_t most = 0, now = 0;
-  const bool has_most = FindMaxBitsPerPixel(most);
-  const bool has_now = ReadCurrentBitsPerPixel(now);
-  if (has_most || has_now) {
-    char current[kPartSize], maximum[kPartSize];
-    FormatBits(current, "current", now);
-    FormatBits(maximum, "maximum", most);
-    WriteParts(run, &ProfileSettings::current_bits_pixel, current, &ProfileSettings::max_bits_pixel,
-               maximum);
-  }
-  run.report.WriteText(kLineEnd);
-  return has_most || has_now;
+  return WriteNowAndMost<std::uint32_t>(
+      run, "Colors (bpp)", {&ProfileSettings::current_bits_pixel, ReadCurrentBitsPerPixel},
+      {&ProfileSettings::max_bits_pixel, FindMaxBitsPerPixel});
 }
 
 bool FormatLargeFont(ProbeContext&, std::span<char> text) {
