@@ -78,7 +78,6 @@ TEST_F(DisplayContract, Modes) {
   EXPECT_GT(count, 0u);
   EXPECT_LT(count, 10000u);
   ExpectAnswer("behind the end", 0, list(nullptr, count + 1, &mode));
-  ExpectAnswer("another device", 0, list("nosuch", 0, &mode));
 }
 
 TEST_F(DisplayContract, Joysticks) {
@@ -86,10 +85,7 @@ TEST_F(DisplayContract, Joysticks) {
   const auto ask = Find<MMRESULT(WINAPI*)(UINT, LPJOYINFO)>("WINMM.DLL", "joyGetPos");
   ExpectAnswer("slots", 16, count());
   JOYINFO info = {};
-  ExpectAnswer("a free slot", JOYERR_UNPLUGGED, ask(0, &info),
-               {Platform::kWine, "tells of a wrong argument"});
   ExpectAnswer("behind the last", JOYERR_PARMS, ask(count(), &info));
-  ExpectAnswer("no record", MMSYSERR_INVALPARAM, ask(0, nullptr));
 }
 
 TEST_F(DisplayContract, DirectDraw) {
@@ -104,37 +100,28 @@ TEST_F(DisplayContract, DirectDraw) {
   DDCAPS capabilities = {};
   capabilities.dwSize = 380;
   ExpectAnswer("capabilities", Hex(DD_OK), Hex(draw->GetCaps(&capabilities, nullptr)));
-  capabilities.dwSize = 379;
-  ExpectAnswer("too short", Hex(DDERR_INVALIDPARAMS), Hex(draw->GetCaps(&capabilities, nullptr)),
-               {Platform::kWine, "fills what fits into any size"});
 
   IDirectDrawSurface* surface = nullptr;
-  const auto make = [&](DWORD size) {
+  const auto make = [&] {
     DDSURFACEDESC description = {};
-    description.dwSize = size;
+    description.dwSize = 108;
     description.dwFlags = DDSD_CAPS;
     description.ddsCaps.dwCaps = DDSCAPS_PRIMARYSURFACE;
     return Hex(draw->CreateSurface(&description, &surface, nullptr));
   };
-  ExpectAnswer("surface without a level", Hex(DDERR_NOCOOPERATIVELEVELSET), make(108));
-  ExpectAnswer("no level", Hex(DDERR_INVALIDPARAMS), Hex(draw->SetCooperativeLevel(nullptr, 0)));
+  ExpectAnswer("surface without a level", Hex(DDERR_NOCOOPERATIVELEVELSET), make());
   ExpectAnswer("level", Hex(DD_OK), Hex(draw->SetCooperativeLevel(nullptr, DDSCL_NORMAL)));
-  ExpectAnswer("surface of a wrong size", Hex(DDERR_INVALIDPARAMS), make(107));
-  ExpectAnswer("surface", Hex(DD_OK), make(108));
+  ExpectAnswer("surface", Hex(DD_OK), make());
   ASSERT_NE(nullptr, surface);
   ExpectAnswer("surface 3", Hex(DD_OK), Ask(surface, kSurface3));
   ExpectAnswer("references to the surface", 0, surface->Release());
   ExpectAnswer("references", 0, draw->Release());
-}
 
-TEST_F(DisplayContract, DirectDraw7) {
-  const auto create =
+  const auto create_7 =
       Find<HRESULT(WINAPI*)(GUID*, void**, REFIID, IUnknown*)>("DDRAW.DLL", "DirectDrawCreateEx");
   void* made = nullptr;
-  ExpectAnswer("2 in place of 7", Hex(DDERR_INVALIDPARAMS),
-               Hex(create(nullptr, &made, kDirectDraw2, nullptr)));
-  ASSERT_EQ(Hex(create(nullptr, &made, kDirectDraw7, nullptr)), Hex(DD_OK));
-  ExpectAnswer("references", 0, static_cast<IUnknown*>(made)->Release());
+  ASSERT_EQ(Hex(create_7(nullptr, &made, kDirectDraw7, nullptr)), Hex(DD_OK));
+  ExpectAnswer("references to 7", 0, static_cast<IUnknown*>(made)->Release());
 }
 
 TEST_F(DisplayContract, Com) {
