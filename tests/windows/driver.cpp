@@ -18,7 +18,6 @@ constexpr int kCheckBoxId = 1002;
 constexpr int kCloseId = 2;
 constexpr int kMessageTextId = 0xFFFF;
 constexpr DWORD kStepMilliseconds = 5;
-constexpr DWORD kStillMilliseconds = 1000;
 
 std::mutex started_lock;
 std::set<DWORD> started;
@@ -80,6 +79,20 @@ std::string CommandLine(const Folder& folder, const Start& start) {
   for (const std::string& argument : start.arguments)
     line += " \"" + argument + "\"";
   return line;
+}
+
+// The module that the thread's routine lies in; null for a thread that has just gone.
+void* ModuleOfThread(HANDLE process, HANDLE thread) {
+  using Query = LONG(WINAPI*)(HANDLE, int, void*, ULONG, ULONG*);
+  constexpr int kStartAddress = 9;
+  static const auto query = reinterpret_cast<Query>(reinterpret_cast<void (*)()>(
+      GetProcAddress(GetModuleHandleA("ntdll.dll"), "NtQueryInformationThread")));
+  void* start = nullptr;
+  MEMORY_BASIC_INFORMATION memory = {};
+  if (query(thread, kStartAddress, &start, sizeof start, nullptr) < 0 ||
+      VirtualQueryEx(process, start, &memory, sizeof memory) == 0)
+    return nullptr;
+  return memory.AllocationBase;
 }
 
 void SendKey(WORD virtual_key, DWORD flags) {
@@ -239,31 +252,28 @@ bool Program::WaitForLine(const std::string& line) {
   });
 }
 
-int Program::Threads() const {
+bool Program::WorkerRuns() const {
+  void* const program = ModuleOfThread(process_.hProcess, process_.hThread);
   const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
-  THREADENTRY32 thread = {};
-  thread.dwSize = sizeof(thread);
-  int threads = 0;
-  for (BOOL more = Thread32First(snapshot, &thread); more; more = Thread32Next(snapshot, &thread)) {
-    if (thread.th32OwnerProcessID == process_.dwProcessId) ++threads;
+  THREADENTRY32 entry = {};
+  entry.dwSize = sizeof(entry);
+  bool runs = program == nullptr;
+  for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry)) {
+    if (entry.th32OwnerProcessID != process_.dwProcessId) continue;
+    if (entry.th32ThreadID == process_.dwThreadId) continue;
+    const HANDLE thread = OpenThread(THREAD_ALL_ACCESS, FALSE, entry.th32ThreadID);
+    if (!thread) continue;
+    if (WaitForSingleObject(thread, 0) == WAIT_TIMEOUT)
+      runs |= ModuleOfThread(process_.hProcess, thread) == program;
+    CloseHandle(thread);
   }
   CloseHandle(snapshot);
-  return threads;
+  return runs;
 }
 
 // The dialog takes no key before the worker has ended, which it does just after its last line.
-// Where a library of the system keeps a thread of its own, the worker is the one that goes, if it
-// has not gone before: nothing changes any more.
 bool Program::WaitUntilFinished() {
-  if (!WaitForLine(kLastLine)) return false;
-  int threads = Threads();
-  DWORD since = GetTickCount();
-  return WaitUntil([&] {
-    const int now = Threads();
-    if (now != threads) since = GetTickCount();
-    threads = now;
-    return now <= 1 || GetTickCount() - since > kStillMilliseconds;
-  });
+  return WaitForLine(kLastLine) && WaitUntil([&] { return !WorkerRuns(); });
 }
 
 std::optional<MessageBoxShown> Program::FindMessageBox() const {

@@ -70,7 +70,9 @@ class Program {
 
  private:
   HWND FindDialog() const;
-  int Threads() const;
+  // Whether a thread but the first one runs the program's own code. Those of the system's libraries
+  // may outlive the worker.
+  bool WorkerRuns() const;
   std::string ReadRemoteLine(int index) const;
 
   PROCESS_INFORMATION process_ = {};

@@ -10,19 +10,8 @@
 namespace drive {
 namespace {
 
-constexpr char kProfile[] =
-    "[SYSTEM]\r\nWindowsVersion=1\r\nWorkingTime=1\r\nComputerName=1\r\nUserName=1\r\n"
-    "UserLocale=1\r\nWindowsFolder=1\r\nSystemFolder=1\r\nTempFolder=1\r\nBIOSVersion=1\r\n"
-    "ProcessorsCount=1\r\nProcessorName=1\r\nProcessorSpeed=1\r\nCoProcessor=1\r\nMMX=1\r\n"
-    "3DNow=1\r\nExtended3DNow=1\r\nSSE=1\r\nSSE2=1\r\nMemoryUsage=1\r\nPhysicalMemory=1\r\n"
-    "Pagefiles=1\r\nFreeSystemResources=1\r\nFreeGDIResources=1\r\nFreeUserResources=1\r\n"
-    "[MULTIMEDIA]\r\nCDROMs=1\r\nMediaDevices=1\r\nAudioCodecs=1\r\nVideoCodecs=1\r\n"
-    "WaveIn=1\r\nWaveOut=1\r\nMIDIIn=1\r\nMIDIOut=1\r\n"
-    "[DISPLAY]\r\nMonitors=1\r\nVideoAdapters=1\r\nCurrentResolusion=1\r\nMaxResolusion=1\r\n"
-    "CurrentBitsPixel=1\r\nMaxBitsPixel=1\r\nLargeFont=1\r\n"
-    "[DIRECTX]\r\nVersion=1\r\n3DAcceleration=1\r\n"
-    "[INPUT]\r\nMouse=1\r\nKeyboard=1\r\nJoysticks=1\r\n"
-    "[COMMUNICATION]\r\nModems=1\r\n[PORT]\r\nPorts=1\r\n"
+// The lists of the profile, behind the switches of the one that asks for everything.
+constexpr char kLists[] =
     "[DLLS]\r\nv_both.dll\r\nnosuch.dll\r\n"
     "[REGISTRY KEYS]\r\nHKCU\\Software\\Hostscope whole\r\nHKCU\\Software\\Hostscope none,1\r\n"
     "[SCAN KEYS]\r\nHKCU\\Software\\Hostscope whole,0,1\r\n"
@@ -64,7 +53,9 @@ TEST_P(WholeReport, IsAsKept) {
   const RegistryValue where =
       RegistryValue::Text(HKEY_CURRENT_USER, kKey, "Data", folder.Path("Data") + "\\");
   const RegistryValue number = RegistryValue::Number(HKEY_CURRENT_USER, kKey, "Number", 10);
-  const std::vector<std::string> lines = ReportLines(ReportOf(folder, kProfile));
+  const std::string full = ReadFileBytes(HOSTSCOPE_FULL_PROFILE).value_or("");
+  const std::vector<std::string> lines =
+      ReportLines(ReportOf(folder, full.substr(0, full.find("[DLLS]")) + kLists));
   const std::vector<std::string> kept = KeptLines(GetParam().has_tokens);
   ASSERT_FALSE(kept.empty());
   for (size_t i = 0; i < std::max(lines.size(), kept.size()); ++i) {
