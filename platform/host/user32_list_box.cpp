@@ -1,7 +1,6 @@
 // The list box: lines that are not sorted, a single selection, no scroll bar.
 
 #include <algorithm>
-#include <cstring>
 
 #include "platform/host/desktop_state.h"
 #include "platform/host/kernel32.h"
@@ -41,21 +40,16 @@ void TellListener(HWND list, bool added, const std::string& text) {
   if (listener) listener({list, added, text});
 }
 
-LRESULT Insert(HWND handle, LRESULT index, LPCSTR text) {
+LRESULT Add(HWND handle, LPCSTR text) {
   const std::string line = text != nullptr ? text : "";
   int place = 0;
-  bool at_end = false;
   {
     Access access(handle);
-    if (index < -1 || index > access.Count()) return LB_ERR;
-    place = index == -1 ? access.Count() : static_cast<int>(index);
-    at_end = place == access.Count();
-    ListBox& list = *access.list;
-    list.lines.insert(list.lines.begin() + place, line);
-    if (list.current >= place) ++list.current;
+    place = access.Count();
+    access.list->lines.push_back(line);
     access.Changed();
   }
-  if (at_end) TellListener(handle, true, line);
+  TellListener(handle, true, line);
   return place;
 }
 
@@ -98,15 +92,6 @@ LRESULT Select(HWND handle, LRESULT index) {
   return list.current;
 }
 
-LRESULT Reset(HWND handle) {
-  Access access(handle);
-  access.list->lines.clear();
-  access.list->current = -1;
-  access.list->top = 0;
-  access.Changed();
-  return LB_OKAY;
-}
-
 LRESULT SetTop(HWND handle, LRESULT index) {
   Access access(handle);
   if (!access.Holds(index)) return LB_ERR;
@@ -115,29 +100,18 @@ LRESULT SetTop(HWND handle, LRESULT index) {
   return LB_OKAY;
 }
 
-LRESULT Ask(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) {
+LRESULT Ask(HWND handle, UINT message) {
   const Access access(handle);
-  const ListBox& list = *access.list;
-  const LRESULT index = static_cast<LONG>(wparam);
   switch (message) {
-    case LB_GETCOUNT:
-      return access.Count();
     case LB_GETCURSEL:
-      return list.current == -1 ? LB_ERR : list.current;
+      return access.list->current;
     case LB_GETTOPINDEX:
-      return list.top;
+      return access.list->top;
     case LB_GETITEMHEIGHT:
       return access.ItemHeight();
     default:
-      break;
+      return access.Count();
   }
-  if (!access.Holds(index)) return LB_ERR;
-  const std::string& line = list.lines[static_cast<std::size_t>(index)];
-  if (message == LB_GETSEL) return list.current == index;
-  if (message == LB_GETTEXT) {
-    std::memcpy(reinterpret_cast<LPSTR>(lparam), line.c_str(), line.size() + 1);
-  }
-  return static_cast<LRESULT>(line.size());
 }
 
 struct ListMessage {
@@ -148,19 +122,10 @@ struct ListMessage {
 
 // A test can make the list refuse a message as it makes a function fail.
 constexpr ListMessage kListMessages[] = {
-    {LB_ADDSTRING, "LB_ADDSTRING", LB_ERRSPACE},
-    {LB_INSERTSTRING, "LB_INSERTSTRING", LB_ERRSPACE},
-    {LB_DELETESTRING, "LB_DELETESTRING", LB_ERR},
-    {LB_RESETCONTENT, "LB_RESETCONTENT", LB_OKAY},
-    {LB_SETCURSEL, "LB_SETCURSEL", LB_ERR},
-    {LB_SETTOPINDEX, "LB_SETTOPINDEX", LB_ERR},
-    {LB_GETSEL, "LB_GETSEL", LB_ERR},
-    {LB_GETCURSEL, "LB_GETCURSEL", LB_ERR},
-    {LB_GETTEXT, "LB_GETTEXT", LB_ERR},
-    {LB_GETTEXTLEN, "LB_GETTEXTLEN", LB_ERR},
-    {LB_GETCOUNT, "LB_GETCOUNT", LB_ERR},
-    {LB_GETTOPINDEX, "LB_GETTOPINDEX", 0},
-    {LB_GETITEMHEIGHT, "LB_GETITEMHEIGHT", LB_ERR},
+    {LB_ADDSTRING, "LB_ADDSTRING", LB_ERRSPACE}, {LB_DELETESTRING, "LB_DELETESTRING", LB_ERR},
+    {LB_SETCURSEL, "LB_SETCURSEL", LB_ERR},      {LB_SETTOPINDEX, "LB_SETTOPINDEX", LB_ERR},
+    {LB_GETCURSEL, "LB_GETCURSEL", LB_ERR},      {LB_GETCOUNT, "LB_GETCOUNT", LB_ERR},
+    {LB_GETTOPINDEX, "LB_GETTOPINDEX", 0},       {LB_GETITEMHEIGHT, "LB_GETITEMHEIGHT", LB_ERR},
 };
 
 LRESULT CarryOut(const ListMessage& message, HWND handle, WPARAM wparam, LPARAM lparam) {
@@ -168,19 +133,15 @@ LRESULT CarryOut(const ListMessage& message, HWND handle, WPARAM wparam, LPARAM 
   const LRESULT index = static_cast<LONG>(wparam);
   switch (message.number) {
     case LB_ADDSTRING:
-      return Insert(handle, -1, reinterpret_cast<LPCSTR>(lparam));
-    case LB_INSERTSTRING:
-      return Insert(handle, index, reinterpret_cast<LPCSTR>(lparam));
+      return Add(handle, reinterpret_cast<LPCSTR>(lparam));
     case LB_DELETESTRING:
       return Delete(handle, index);
-    case LB_RESETCONTENT:
-      return Reset(handle);
     case LB_SETCURSEL:
       return Select(handle, index);
     case LB_SETTOPINDEX:
       return SetTop(handle, index);
     default:
-      return Ask(handle, message.number, wparam, lparam);
+      return Ask(handle, message.number);
   }
 }
 

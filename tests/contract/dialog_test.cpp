@@ -115,8 +115,6 @@ constexpr ListRow kListRows[] = {
     {"count", LB_GETCOUNT, 0, nullptr, 3},
     {"make the last current", LB_SETCURSEL, 2, nullptr, 2},
     {"it is", LB_GETCURSEL, 0, nullptr, 2},
-    {"length of the second", LB_GETTEXTLEN, 1, nullptr, 13},
-    {"length of the empty one", LB_GETTEXTLEN, 2, nullptr, 0},
     {"delete the current line", LB_DELETESTRING, 2, nullptr, 2},
     {"none is current then", LB_GETCURSEL, 0, nullptr, LB_ERR},
     {"same text again", LB_ADDSTRING, 0, "first", 2},
@@ -130,7 +128,6 @@ constexpr ListRow kListRows[] = {
     {"the right one stays", LB_GETCURSEL, 0, nullptr, 0},
     {"delete one that is not there", LB_DELETESTRING, 1, nullptr, LB_ERR},
     {"delete number -1", LB_DELETESTRING, -1, nullptr, LB_ERR},
-    {"length of one that is not there", LB_GETTEXTLEN, 1, nullptr, LB_ERR},
     {"make none current", LB_SETCURSEL, -1, nullptr, LB_ERR},
     {"none is", LB_GETCURSEL, 0, nullptr, LB_ERR},
     {"delete the only line", LB_DELETESTRING, 0, nullptr, 0},
@@ -196,26 +193,6 @@ TEST(DialogContract, CurrentLineWithoutSelection) {
     ExpectAnswer("current", 1, SendMessageA(list, LB_GETCURSEL, 0, 0));
     ExpectAnswer("delete", 1, SendMessageA(list, LB_DELETESTRING, 1, 0));
     ExpectAnswer("count", 1, SendMessageA(list, LB_GETCOUNT, 0, 0));
-  });
-}
-
-TEST(DialogContract, ListBoxTexts) {
-  AtOnce([](HWND dialog) {
-    const HWND list = GetDlgItem(dialog, kList);
-    const std::string longest(2000, 'x');
-    for (const std::string& text :
-         {std::string("one"), std::string(), longest, std::string("\xE4\x80 high")}) {
-      SendMessageA(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
-      const LRESULT last = SendMessageA(list, LB_GETCOUNT, 0, 0) - 1;
-      std::string came(4096, '~');
-      const LRESULT length = SendMessageA(list, LB_GETTEXT, static_cast<WPARAM>(last),
-                                          reinterpret_cast<LPARAM>(came.data()));
-      ExpectAnswer("length", text.size(), length);
-      ExpectAnswer("text", text, came.c_str());
-    }
-    char untouched[] = "~~";
-    ExpectAnswer("a line that is not there", LB_ERR,
-                 SendMessageA(list, LB_GETTEXT, 4, reinterpret_cast<LPARAM>(untouched)));
   });
 }
 
