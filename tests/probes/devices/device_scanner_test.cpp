@@ -324,6 +324,13 @@ TEST_F(DeviceScanner, FailingCalls) {
     const std::string scanned = Scan("Modem");
     EXPECT_EQ(std::to_string(std::ranges::count(scanned, ';')), scanned.substr(0, 1)) << nth;
   }
+  // Of a class without an identifier there is no set to open.
+  machine_.faults.FailAlways("SetupDiGetClassDevsA", ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Scan("Toaster"), "0:");
+}
+
+TEST_F(DeviceScanner, DevicesThatMayNotBeReadAreLeftOut) {
+  Become(kWindows2000, kNtDevices);
   machine_.registry.DenyAccess("HKLM\\SYSTEM\\CurrentControlSet\\Enum\\M\\m\\1");
   EXPECT_EQ(Scan("Modem"), "1: |||;");
 }

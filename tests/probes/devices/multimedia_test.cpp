@@ -278,13 +278,15 @@ TEST(Cdroms, AsDevicesOrInTheScsiMap) {
            place.substr(3, 1) + "]\n" + values + "\n";
   };
   const std::string cdrom = "\"Type\"=\"CdRomPeripheral\"\n\"Identifier\"=";
-  const std::string map = unit("3333", cdrom + "\"Last\"") +
-                          unit("1030", "\"Type\"=\"cdromPERIPHERAL\"\n\"Identifier\"=\"Far\"") +
-                          unit("0003", cdrom + "\"Near\"") + unit("0040", cdrom + "\"beyond\"") +
-                          unit("0001", "\"Type\"=\"DiskPeripheral\"\n\"Identifier\"=\"Disk\"") +
-                          unit("0002", "\"Type\"=\"CdRomPeripheral\"");
+  const std::string map =
+      unit("3000", cdrom + "\"Port 3\"") + unit("0300", cdrom + "\"Bus 3\"") +
+      unit("0030", "\"Type\"=\"cdromPERIPHERAL\"\n\"Identifier\"=\"Target 3\"") +
+      unit("0003", cdrom + "\"Unit 3\"") + unit("0040", cdrom + "\"beyond\"") +
+      unit("0001", "\"Type\"=\"DiskPeripheral\"\n\"Identifier\"=\"Disk\"") +
+      unit("0002", "\"Type\"=\"CdRomPeripheral\"");
   const std::string map_list =
-      "CDROM (total 3) Description : Near|| Description : Far|| Description : Last||Ok";
+      "CDROM (total 4) Description : Unit 3|| Description : Target 3|| Description : Bus 3|| "
+      "Description : Port 3||Ok";
   const struct {
     const char* what;
     bool is_nt, has_setup;
