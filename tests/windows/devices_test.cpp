@@ -42,11 +42,11 @@ constexpr char kNtClasses[] = "SYSTEM\\CurrentControlSet\\Control\\Class";
 constexpr char kOldDevices[] = "Enum";
 constexpr char kOldClasses[] = "System\\CurrentControlSet\\Services\\Class";
 
-// What the report must show of a device; nothing for one that it leaves out.
+// What the report must show of a device.
 struct Shown {
   std::string name, manufacturer, date, extra;
 };
-using ShownDevices = std::map<std::string, std::optional<Shown>>;  // by instance id
+using ShownDevices = std::map<std::string, Shown>;  // by instance id
 
 // The devices of the test. They go with the object.
 class SeededDevices {
@@ -70,7 +70,7 @@ class SeededDevices {
  private:
   // A device with everything, its texts telling the families apart.
   void AddUsual(const List& list) {
-    const std::string id = "HSTEST\\USUAL\\"s + list.device_class;
+    std::string id = "HSTEST\\USUAL\\"s + list.device_class;
     const std::string port = list.key == "Ports"s ? "COM1" : "";
     for (const auto& [devices, family] : {std::pair{kNtDevices, "NT "}, {kOldDevices, "98 "}})
       PutTexts(devices + ("\\" + id), {{"FriendlyName", family + std::string(list.name) + " \xE4"},
@@ -81,17 +81,9 @@ class SeededDevices {
     PutTexts(kNtDevices + ("\\" + id) + "\\Device Parameters", {{"PortName", "NT" + port}});
     PutTexts(kOldDevices + ("\\" + id), {{"PORTNAME", "98" + port}});
     const std::string family = is_nt_ ? "NT" : "98";
-    Show(id, Shown{family + " " + list.name + " \xE4", family + " Maker", family + " 12-24-2",
-                   family + (list.key == "Modems"s ? "COM3" : port)});
-    // Wine knows it, Windows 95/98/Me have no key of it.
-    const std::string nt_only = "HSTEST\\NT ONLY\\"s + list.device_class;
-    PutTexts(kNtDevices + ("\\" + nt_only), {{"ClassGUID", list.guid}});
-    Show(nt_only, is_nt_ ? std::optional(Shown()) : std::nullopt);
-  }
-  // The system gives ids in upper case.
-  void Show(std::string id, const std::optional<Shown>& shown) {
-    CharUpperA(id.data());
-    shown_[id] = shown;
+    CharUpperA(id.data());  // as the system gives it
+    shown_[id] = {family + " " + list.name + " \xE4", family + " Maker", family + " 12-24-2",
+                  family + (list.key == "Modems"s ? "COM3" : port)};
   }
 
   bool is_nt_;
@@ -117,7 +109,7 @@ std::vector<Shown> DevicesOf(const List& list, bool is_nt, const ShownDevices& s
     SetupDiGetDeviceInstanceIdW(set, &device, id, 512, nullptr);
     const auto known = seeded.find(Narrow(id));
     if (known != seeded.end()) {
-      if (known->second) found.push_back(*known->second);
+      found.push_back(known->second);
     } else if (is_nt) {  // Wine has the keys of its own devices in the places of NT only
       const std::string name = property(SPDRP_FRIENDLYNAME);
       char date[512] = {};

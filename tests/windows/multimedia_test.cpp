@@ -52,20 +52,8 @@ BOOL CALLBACK AddAudioCodec(HACMDRIVERID driver, DWORD_PTR lines, DWORD) {
   return TRUE;
 }
 
-std::string VersionOf(const wchar_t* file) {
-  std::vector<char> resource(GetFileVersionInfoSizeW(file, nullptr));
-  VS_FIXEDFILEINFO* version = nullptr;
-  UINT size = 0;
-  if (resource.empty() || !GetFileVersionInfoW(file, 0, resource.size(), resource.data()) ||
-      !VerQueryValueW(resource.data(), L"\\", reinterpret_cast<void**>(&version), &size))
-    return "";
-  return std::to_string(HIWORD(version->dwFileVersionMS)) + "." +
-         std::to_string(LOWORD(version->dwFileVersionMS)) + "." +
-         std::to_string(HIWORD(version->dwFileVersionLS)) + "." +
-         std::to_string(LOWORD(version->dwFileVersionLS));
-}
-
 // The drivers "vidc.*" of system.ini, which the manager goes through, each asked by its code.
+// Wine's have no version resource.
 std::vector<std::string> VideoCodecLines() {
   std::vector<std::string> lines;
   char names[2000] = {};
@@ -78,7 +66,7 @@ std::vector<std::string> VideoCodecLines() {
     const HIC compressor = ICOpen(ICTYPE_VIDEO, code, ICMODE_QUERY);
     ICGetInfo(compressor, &info, sizeof info);
     ICClose(compressor);
-    lines.push_back(CodecLine(Narrow(info.szDescription), VersionOf(info.szDriver)));
+    lines.push_back(CodecLine(Narrow(info.szDescription), ""));
   }
   return lines;
 }
