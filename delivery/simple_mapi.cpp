@@ -4,6 +4,7 @@
 #include "util/paths.h"
 #include "util/registry.h"
 #include "util/text.h"
+#include "util/windows_version.h"
 
 namespace hostscope {
 namespace {
@@ -98,9 +99,8 @@ MapiRecipDesc Recipient(ULONG recipient_class, const char* name, const char* add
 }  // namespace
 
 bool IsMapiInstalled() {
-  OSVERSIONINFOA version = {};
-  version.dwOSVersionInfoSize = sizeof(version);
-  if (GetVersionExA(&version) == 0) return false;
+  OSVERSIONINFOA version;
+  if (!ReadWindowsVersion(version)) return false;
   if (KnowsMessagingSubsystem(version.dwMajorVersion, version.dwMinorVersion)) {
     const RegistryValue value = ReadRegistryValue(HKEY_LOCAL_MACHINE, kMessagingSubsystem, "MAPI");
     if (SameText(value.AsText().c_str(), "1")) return true;

@@ -1,5 +1,7 @@
 #include "report/probe_context.h"
 
+#include "util/windows_version.h"
+
 namespace hostscope {
 namespace {
 
@@ -8,9 +10,8 @@ constexpr std::array<const char*, static_cast<std::size_t>(SetupFunction::kCount
      "SetupDiClassGuidsFromNameA", "SetupDiGetDeviceInstanceIdA"};
 
 bool IsNtPlatform() {
-  OSVERSIONINFOA version = {};
-  version.dwOSVersionInfoSize = sizeof version;
-  return GetVersionExA(&version) != 0 && version.dwPlatformId == VER_PLATFORM_WIN32_NT;
+  OSVERSIONINFOA version;
+  return ReadWindowsVersion(version) && version.dwPlatformId == VER_PLATFORM_WIN32_NT;
 }
 
 }  // namespace

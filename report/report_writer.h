@@ -13,6 +13,7 @@ namespace hostscope {
 // Formats shared by the sections: a label of 27 columns, a field name of 15 columns, a colon and
 // the value.
 inline constexpr char kLabelFormat[] = "%-27s";
+inline constexpr char kLabelLineFormat[] = "%-27s\r\n";
 inline constexpr char kTextFieldFormat[] = "%-27s%-15s:  %s\r\n";
 inline constexpr char kLineEnd[] = "\r\n";
 

@@ -46,6 +46,12 @@ OwnedText JoinKeyPath(std::initializer_list<const char*> parts) {
   return path;
 }
 
+RegistryKey OpenMachineKey(std::initializer_list<const char*> path, DWORD access) {
+  const OwnedText joined = JoinKeyPath(path);
+  if (!joined.present()) return {};
+  return RegistryKey::Open(HKEY_LOCAL_MACHINE, joined.c_str(), access);
+}
+
 std::uint32_t RegistryValue::FirstNumber() const {
   std::uint32_t number = 0;
   if (data.size() >= sizeof number) std::memcpy(&number, data.data(), sizeof number);

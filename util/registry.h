@@ -38,6 +38,10 @@ class RegistryKey {
 // is no memory.
 OwnedText JoinKeyPath(std::initializer_list<const char*> parts);
 
+// Opens the key of the local machine that these parts are the path of, with the access mask. Not
+// open when it is absent or refused, and when there is no memory.
+RegistryKey OpenMachineKey(std::initializer_list<const char*> path, DWORD access);
+
 // The data of one value: a copy of exactly its bytes with its type. Absent when the key or the
 // value is absent, when it cannot be read, and when it holds no bytes.
 struct RegistryValue {

@@ -187,6 +187,7 @@ LONG WINAPI RegOpenKeyExA(HKEY key, LPCSTR subkey, DWORD options, REGSAM access,
   if (found == nullptr) return ERROR_FILE_NOT_FOUND;
   if (found->open_error) return static_cast<LONG>(*found->open_error);
   if (call.is_nt() && host::WouldChange(access)) return ERROR_ACCESS_DENIED;
+  found->last_access = access;
   const auto open = std::make_shared<host::OpenKey>(found, host::GrantedAccess(access));
   *result = reinterpret_cast<HKEY>(call.machine().handles.Open(open));
   return ERROR_SUCCESS;

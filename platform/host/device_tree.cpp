@@ -23,7 +23,8 @@ KeyPointer Open(const Machine& machine, Hive hive, std::string_view path) {
   return machine.registry.Open(machine.registry.Root(hive), path, false);
 }
 
-void ForEachSubkey(const Machine& machine, const KeyPointer& key,
+// A null key has no subkeys.
+void ForEachSubkey(const Machine& machine, const RegistryKey* key,
                    const std::function<void(const RegistryKey& subkey)>& visit) {
   if (key == nullptr) return;
   for (std::size_t i = 0; const KeyPointer subkey = key->subkeys.At(i, machine.IsNt()); ++i) {
@@ -78,8 +79,6 @@ constexpr PublishedClass kPublishedClasses[] = {
     {"Monitor", "{4D36E96E-E325-11CE-BFC1-08002BE10318}"},
     {"Mouse", "{4D36E96F-E325-11CE-BFC1-08002BE10318}"},
     {"Net", "{4D36E972-E325-11CE-BFC1-08002BE10318}"},
-    {"NetClient", "{4D36E973-E325-11CE-BFC1-08002BE10318}"},
-    {"NetService", "{4D36E974-E325-11CE-BFC1-08002BE10318}"},
     {"Ports", "{4D36E978-E325-11CE-BFC1-08002BE10318}"},
     {"SCSIAdapter", "{4D36E97B-E325-11CE-BFC1-08002BE10318}"},
     {"USB", "{36FC9E60-C465-11CF-8056-444553540000}"},
@@ -88,7 +87,7 @@ constexpr PublishedClass kPublishedClasses[] = {
 std::vector<GUID> NtClassesNamed(const Machine& machine, std::string_view name) {
   std::vector<GUID> found;
   const KeyPointer classes = Open(machine, Hive::kLocalMachine, kNtClasses);
-  ForEachSubkey(machine, classes, [&](const RegistryKey& key) {
+  ForEachSubkey(machine, classes.get(), [&](const RegistryKey& key) {
     const std::optional<GUID> guid = ParseGuid(key.name);
     if (guid && EqualNoCase(Text(key, "Class"), name)) found.push_back(*guid);
   });
@@ -118,7 +117,7 @@ std::optional<InstanceIds> PresentOnWindows9x(const Machine& machine) {
   const KeyPointer present = Open(machine, Hive::kDynData, kWindows9xPresent);
   if (present == nullptr) return std::nullopt;
   InstanceIds ids;
-  ForEachSubkey(machine, present,
+  ForEachSubkey(machine, present.get(),
                 [&](const RegistryKey& key) { ids.insert(Text(key, "HardWareKey")); });
   return ids;
 }
@@ -144,25 +143,25 @@ std::vector<GUID> DeviceClassesNamed(const Machine& machine, std::string_view na
   return guid ? std::vector<GUID>{*guid} : std::vector<GUID>();
 }
 
-std::vector<std::string> DevicesOfClass(const Machine& machine, const GUID& device_class,
-                                        bool present_only) {
+std::vector<std::string> PresentDevicesOfClass(const Machine& machine, const GUID& device_class) {
   std::vector<std::string> ids;
   const auto is_present = IsPresentOn(machine);
   const auto add = [&](const std::string& id, const RegistryKey& device) {
-    if (ClassOf(machine, device) != device_class) return;
-    if (!present_only || is_present(id, device)) ids.push_back(UpperCase(id));
+    if (ClassOf(machine, device) == device_class && is_present(id, device)) {
+      ids.push_back(UpperCase(id));
+    }
   };
   const KeyPointer devices =
       Open(machine, Hive::kLocalMachine, machine.IsNt() ? kNtDevices : kWindows9xDevices);
   // ENUMERATOR\DEVICE\INSTANCE
-  const std::function<void(const RegistryKey&, const std::string&, int)> walk =
-      [&](const RegistryKey& key, const std::string& prefix, int level) {
-        for (std::size_t i = 0; const KeyPointer subkey = key.subkeys.At(i, machine.IsNt()); ++i) {
-          const std::string id = prefix + std::string(VisibleName(subkey->name));
-          level == 3 ? add(id, *subkey) : walk(*subkey, id + "\\", level + 1);
-        }
+  const std::function<void(const RegistryKey*, const std::string&, int)> walk =
+      [&](const RegistryKey* key, const std::string& prefix, int level) {
+        ForEachSubkey(machine, key, [&](const RegistryKey& subkey) {
+          const std::string id = prefix + std::string(VisibleName(subkey.name));
+          level == 3 ? add(id, subkey) : walk(&subkey, id + "\\", level + 1);
+        });
       };
-  if (devices != nullptr) walk(*devices, "", 1);
+  walk(devices.get(), "", 1);
   return ids;
 }
 

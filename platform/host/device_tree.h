@@ -14,8 +14,7 @@ struct Machine;
 // The identifiers of the device classes that have this name.
 std::vector<GUID> DeviceClassesNamed(const Machine& machine, std::string_view name);
 
-// The instance ids of a class's devices in the order of the registry, all of them or those present.
-std::vector<std::string> DevicesOfClass(const Machine& machine, const GUID& device_class,
-                                        bool present_only);
+// The instance ids of a class's present devices in the order of the registry.
+std::vector<std::string> PresentDevicesOfClass(const Machine& machine, const GUID& device_class);
 
 }  // namespace host

@@ -273,7 +273,11 @@ LPSTR WINAPI lstrcatA(LPSTR target, LPCSTR source) {
 
 int WINAPI WideCharToMultiByte(UINT code_page, DWORD flags, LPCWSTR text, int length, LPSTR target,
                                int size, LPCSTR default_character, BOOL* default_used) {
-  if (CallFails("WideCharToMultiByte")) return 0;
+  if (CallFails("WideCharToMultiByte")) {
+    // As when there is no room: what was converted so far stays.
+    if (target != nullptr && size > 0) *target = '?';
+    return 0;
+  }
   constexpr DWORD kKnownFlags = WC_DISCARDNS | WC_SEPCHARS | WC_DEFAULTCHAR | WC_COMPOSITECHECK;
   DWORD error = ERROR_SUCCESS;
   if (code_page != CP_ACP || text == nullptr || length == 0 || size < 0 ||

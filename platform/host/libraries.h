@@ -31,6 +31,10 @@ FARPROC Export(Function* function) {
   return reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(function));
 }
 
+// A row of a library's exports: the function under its own name.
+#define HOST_EXPORT(function) \
+  { #function, ::host::Export(&function) }
+
 // A library that the layer itself implements: an object with static storage, in the file that holds
 // the library's functions, gives the library to every machine made later. Several objects may add
 // exports to one library.

@@ -1,8 +1,5 @@
 #include "platform/host/msacm32.h"
 
-#include <algorithm>
-#include <cstring>
-
 #include "platform/host/machine.h"
 #include "platform/host/record_text.h"
 
@@ -10,11 +7,9 @@ using namespace host;
 
 namespace {
 
-#define EXPORT(function) \
-  { #function, Export(&function) }
 const LayerLibrary kLibrary({.name = "MSACM32.DLL",
-                             .exports = {EXPORT(acmDriverEnum), EXPORT(acmDriverDetailsA)}});
-#undef EXPORT
+                             .exports = {HOST_EXPORT(acmDriverEnum),
+                                         HOST_EXPORT(acmDriverDetailsA)}});
 
 // Drivers are known by their places, from 1 on.
 HACMDRIVERID DriverAt(std::size_t index) {
@@ -31,9 +26,7 @@ const AudioCodec* FindDriver(HACMDRIVERID driver) {
 
 MMRESULT WINAPI acmDriverEnum(ACMDRIVERENUMCB callback, DWORD_PTR instance, DWORD flags) {
   if (const DWORD error = CallError("acmDriverEnum")) return error;
-  if (callback == nullptr) return MMSYSERR_INVALPARAM;
-  if ((flags & ~(ACM_DRIVERENUMF_NOLOCAL | ACM_DRIVERENUMF_DISABLED)) != 0)
-    return MMSYSERR_INVALFLAG;
+  if (callback == nullptr || flags != 0) return MMSYSERR_INVALPARAM;
   const std::size_t count = CurrentMachine().multimedia.audio_codecs.size();
   for (std::size_t i = 0; i < count; ++i) {
     if (!callback(DriverAt(i), instance, ACMDRIVERDETAILS_SUPPORTF_CODEC)) break;
@@ -43,17 +36,15 @@ MMRESULT WINAPI acmDriverEnum(ACMDRIVERENUMCB callback, DWORD_PTR instance, DWOR
 
 MMRESULT WINAPI acmDriverDetailsA(HACMDRIVERID driver, ACMDRIVERDETAILSA* details, DWORD flags) {
   if (const DWORD error = CallError("acmDriverDetailsA")) return error;
-  if (details == nullptr || details->cbStruct < sizeof details->cbStruct)
+  if (details == nullptr || details->cbStruct != sizeof *details || flags != 0)
     return MMSYSERR_INVALPARAM;
   const AudioCodec* const codec = FindDriver(driver);
   if (codec == nullptr) return MMSYSERR_INVALHANDLE;
-  if (flags != 0) return MMSYSERR_INVALFLAG;
-  ACMDRIVERDETAILSA whole = {};
-  whole.cbStruct = std::min<DWORD>(details->cbStruct, sizeof whole);
-  whole.vdwDriver = codec->version;
-  whole.fdwSupport = ACMDRIVERDETAILS_SUPPORTF_CODEC;
-  FillField(whole.szShortName, codec->name);
-  FillField(whole.szLongName, codec->name);
-  std::memcpy(details, &whole, whole.cbStruct);
+  *details = {};
+  details->cbStruct = sizeof *details;
+  details->vdwDriver = codec->version;
+  details->fdwSupport = ACMDRIVERDETAILS_SUPPORTF_CODEC;
+  FillField(details->szShortName, codec->name);
+  FillField(details->szLongName, codec->name);
   return MMSYSERR_NOERROR;
 }

@@ -9,8 +9,6 @@ HOST_DECLARE_HANDLE(HACMDRIVERID);
 using ACMDRIVERENUMCB = BOOL(CALLBACK*)(HACMDRIVERID driver, DWORD_PTR instance, DWORD support);
 
 inline constexpr DWORD ACMDRIVERDETAILS_SUPPORTF_CODEC = 0x1;
-inline constexpr DWORD ACM_DRIVERENUMF_NOLOCAL = 0x40000000;
-inline constexpr DWORD ACM_DRIVERENUMF_DISABLED = 0x80000000;
 
 struct ACMDRIVERDETAILSA {
   DWORD cbStruct;
@@ -33,5 +31,5 @@ struct ACMDRIVERDETAILSA {
 
 // Calls back for each driver that is enabled, in the machine's order, until the callback says no.
 MMRESULT WINAPI acmDriverEnum(ACMDRIVERENUMCB callback, DWORD_PTR instance, DWORD flags);
-// Fills as much of the record as its size field says, and sets that to what it filled.
+// The record's size field must say its size.
 MMRESULT WINAPI acmDriverDetailsA(HACMDRIVERID driver, ACMDRIVERDETAILSA* details, DWORD flags);

@@ -9,12 +9,9 @@ using namespace host;
 
 namespace {
 
-#define EXPORT(function) \
-  { #function, Export(&function) }
 const LayerLibrary kLibrary({.name = "MSVFW32.DLL",
-                             .exports = {EXPORT(ICInfo), EXPORT(ICOpen), EXPORT(ICGetInfo),
-                                         EXPORT(ICClose)}});
-#undef EXPORT
+                             .exports = {HOST_EXPORT(ICInfo), HOST_EXPORT(ICOpen),
+                                         HOST_EXPORT(ICGetInfo), HOST_EXPORT(ICClose)}});
 
 struct Compressor : Object {
   explicit Compressor(const VideoCodec& opened) : Object("compressor"), codec(opened) {}
@@ -28,9 +25,8 @@ bool SameCode(DWORD left, DWORD right) {
   return EqualNoCase(text(left), text(right));
 }
 
-const VideoCodec* FindCodec(DWORD type, DWORD handler) {
+const VideoCodec* FindCodec(DWORD handler) {
   const std::vector<VideoCodec>& codecs = CurrentMachine().multimedia.video_codecs;
-  if (!SameCode(type, ICTYPE_VIDEO)) return nullptr;
   const auto found = std::find_if(codecs.begin(), codecs.end(), [handler](const VideoCodec& codec) {
     return SameCode(codec.handler, handler);
   });
@@ -48,19 +44,17 @@ ICINFO RecordOf(const VideoCodec& codec) {
 
 }  // namespace
 
-BOOL WINAPI ICInfo(DWORD type, DWORD handler, ICINFO* info) {
-  if (CallFails("ICInfo") || info->dwSize != sizeof *info) return FALSE;
+BOOL WINAPI ICInfo(DWORD type, DWORD number, ICINFO* info) {
+  if (CallFails("ICInfo") || info == nullptr || info->dwSize != sizeof *info) return FALSE;
   const std::vector<VideoCodec>& codecs = CurrentMachine().multimedia.video_codecs;
-  const VideoCodec* const codec = SameCode(type, ICTYPE_VIDEO) && handler < codecs.size()
-                                      ? &codecs[handler]
-                                      : FindCodec(type, handler);
-  if (codec != nullptr) *info = RecordOf(*codec);
-  return codec != nullptr;
+  if (type != ICTYPE_VIDEO || number >= codecs.size()) return FALSE;
+  *info = RecordOf(codecs[number]);
+  return TRUE;
 }
 
 HIC WINAPI ICOpen(DWORD type, DWORD handler, UINT) {
   if (CallFails("ICOpen")) return nullptr;
-  const VideoCodec* const codec = FindCodec(type, handler);
+  const VideoCodec* const codec = type == ICTYPE_VIDEO ? FindCodec(handler) : nullptr;
   if (codec == nullptr) return nullptr;
   return reinterpret_cast<HIC>(CurrentMachine().handles.Open(std::make_shared<Compressor>(*codec)));
 }

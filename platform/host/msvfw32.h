@@ -22,10 +22,10 @@ struct ICINFO {
   WCHAR szDriver[128];
 };
 
-// The handler is a four-character code, whose case does not count, or the compressor's number. What
-// is told is the code and the driver; the record must state its size.
-BOOL WINAPI ICInfo(DWORD type, DWORD handler, ICINFO* info);
-// By its code alone. Null: there is no such compressor.
+// Of the compressor with that number its code and its driver are told; the record must state its
+// size.
+BOOL WINAPI ICInfo(DWORD type, DWORD number, ICINFO* info);
+// By its four-character code, whose case does not count. Null: there is no such compressor.
 HIC WINAPI ICOpen(DWORD type, DWORD handler, UINT mode);
 // The number of bytes filled; 0 for a record that is too small.
 LRESULT WINAPI ICGetInfo(HIC compressor, ICINFO* info, DWORD size);

@@ -94,6 +94,7 @@ struct RegistryKey {
   std::string link_target;          // a path that begins with a hive; empty: the key is no link
   std::uint64_t write_time = 0;     // UTC, as a FILETIME
   std::optional<DWORD> open_error;  // opening the key fails with this
+  DWORD last_access = 0;            // the mask with which it was last opened
   bool removed = false;             // no longer in the tree, though a handle may still hold it
 };
 

@@ -11,15 +11,14 @@
 namespace host {
 namespace {
 
-const LayerLibrary kLibrary(
-    {.name = "SETUPAPI.DLL",
-     .exports = {
-         {"SetupDiClassGuidsFromNameA", Export(&SetupDiClassGuidsFromNameA)},
-         {"SetupDiDestroyDeviceInfoList", Export(&SetupDiDestroyDeviceInfoList)},
-         {"SetupDiEnumDeviceInfo", Export(&SetupDiEnumDeviceInfo)},
-         {"SetupDiGetClassDevsA", Export(&SetupDiGetClassDevsA)},
-         {"SetupDiGetDeviceInstanceIdA", Export(&SetupDiGetDeviceInstanceIdA)},
-     }});
+const LayerLibrary kLibrary({.name = "SETUPAPI.DLL",
+                             .exports = {
+                                 HOST_EXPORT(SetupDiClassGuidsFromNameA),
+                                 HOST_EXPORT(SetupDiDestroyDeviceInfoList),
+                                 HOST_EXPORT(SetupDiEnumDeviceInfo),
+                                 HOST_EXPORT(SetupDiGetClassDevsA),
+                                 HOST_EXPORT(SetupDiGetDeviceInstanceIdA),
+                             }});
 
 struct DeviceSet : Object {
   DeviceSet() : Object("device set") {}
@@ -64,8 +63,8 @@ BOOL WINAPI SetupDiClassGuidsFromNameA(LPCSTR name, LPGUID guids, DWORD room, PD
 
 HDEVINFO WINAPI SetupDiGetClassDevsA(const GUID* class_guid, LPCSTR enumerator, HWND, DWORD flags) {
   if (host::EndableCallFails("SetupDiGetClassDevsA")) return INVALID_HANDLE_VALUE;
-  // The program asks neither for all classes nor for those of one enumerator.
-  if (class_guid == nullptr || enumerator != nullptr || (flags & ~DIGCF_PRESENT) != 0) {
+  // The program asks for the present devices of one class, whatever their enumerator.
+  if (class_guid == nullptr || enumerator != nullptr || flags != DIGCF_PRESENT) {
     SetLastError(ERROR_INVALID_PARAMETER);
     return INVALID_HANDLE_VALUE;
   }
@@ -73,7 +72,7 @@ HDEVINFO WINAPI SetupDiGetClassDevsA(const GUID* class_guid, LPCSTR enumerator, 
   const std::lock_guard lock(machine.registry.mutex());
   const auto set = std::make_shared<host::DeviceSet>();
   set->device_class = *class_guid;
-  set->ids = host::DevicesOfClass(machine, *class_guid, (flags & DIGCF_PRESENT) != 0);
+  set->ids = host::PresentDevicesOfClass(machine, *class_guid);
   return reinterpret_cast<HDEVINFO>(machine.handles.Open(set));
 }
 

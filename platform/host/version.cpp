@@ -20,13 +20,11 @@ using namespace host;
 
 namespace {
 
-#define EXPORT(function) \
-  { #function, Export(&function) }
 const LayerLibrary kLibrary({.name = "VERSION.DLL",
                              .loaded_at_start = true,
-                             .exports = {EXPORT(GetFileVersionInfoA),
-                                         EXPORT(GetFileVersionInfoSizeA), EXPORT(VerQueryValueA)}});
-#undef EXPORT
+                             .exports = {HOST_EXPORT(GetFileVersionInfoA),
+                                         HOST_EXPORT(GetFileVersionInfoSizeA),
+                                         HOST_EXPORT(VerQueryValueA)}});
 
 constexpr DWORD kLengthSize = 2;
 constexpr DWORD kLeastBlock = 6;

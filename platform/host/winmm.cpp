@@ -7,8 +7,7 @@
 namespace host {
 namespace {
 
-const LayerLibrary kLibrary({.name = "WINMM.DLL",
-                             .exports = {{"timeGetTime", Export(&timeGetTime)}}});
+const LayerLibrary kLibrary({.name = "WINMM.DLL", .exports = {HOST_EXPORT(timeGetTime)}});
 
 }  // namespace
 }  // namespace host

@@ -74,8 +74,7 @@ UINT WINAPI waveInGetNumDevs();
 UINT WINAPI waveOutGetNumDevs();
 UINT WINAPI midiInGetNumDevs();
 UINT WINAPI midiOutGetNumDevs();
-// Of a record whose size is told smaller only the beginning is filled. No device of the number:
-// MMSYSERR_BADDEVICEID.
+// The size is the record's. No device of the number: MMSYSERR_BADDEVICEID.
 MMRESULT WINAPI waveInGetDevCapsA(UINT_PTR device, WAVEINCAPSA* capabilities, UINT size);
 MMRESULT WINAPI waveOutGetDevCapsA(UINT_PTR device, WAVEOUTCAPSA* capabilities, UINT size);
 MMRESULT WINAPI midiInGetDevCapsA(UINT_PTR device, MIDIINCAPSA* capabilities, UINT size);

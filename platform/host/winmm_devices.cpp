@@ -1,7 +1,4 @@
 // The wave and MIDI devices of WINMM.DLL.
-#include <algorithm>
-#include <cstring>
-
 #include "platform/host/machine.h"
 #include "platform/host/record_text.h"
 #include "platform/host/winmm.h"
@@ -10,14 +7,12 @@ using namespace host;
 
 namespace {
 
-#define EXPORT(function) \
-  { #function, Export(&function) }
 const LayerLibrary kLibrary({.name = "WINMM.DLL",
-                             .exports = {EXPORT(waveInGetNumDevs), EXPORT(waveInGetDevCapsA),
-                                         EXPORT(waveOutGetNumDevs), EXPORT(waveOutGetDevCapsA),
-                                         EXPORT(midiInGetNumDevs), EXPORT(midiInGetDevCapsA),
-                                         EXPORT(midiOutGetNumDevs), EXPORT(midiOutGetDevCapsA)}});
-#undef EXPORT
+                             .exports = {
+                                 HOST_EXPORT(waveInGetNumDevs), HOST_EXPORT(waveInGetDevCapsA),
+                                 HOST_EXPORT(waveOutGetNumDevs), HOST_EXPORT(waveOutGetDevCapsA),
+                                 HOST_EXPORT(midiInGetNumDevs), HOST_EXPORT(midiInGetDevCapsA),
+                                 HOST_EXPORT(midiOutGetNumDevs), HOST_EXPORT(midiOutGetDevCapsA)}});
 
 constexpr UINT kDriverVersion = 0x0400;
 constexpr WORD kStereo = 2;
@@ -28,13 +23,8 @@ UINT Count(const char* function, Devices Multimedia::*devices) {
   return static_cast<UINT>((CurrentMachine().multimedia.*devices).size());
 }
 
-void Fill(WAVEINCAPSA& record, const WaveDevice& device) {
-  FillField(record.szPname, device.name);
-  record.dwFormats = device.formats;
-  record.wChannels = kStereo;
-}
-
-void Fill(WAVEOUTCAPSA& record, const WaveDevice& device) {
+template <typename Record>
+void Fill(Record& record, const WaveDevice& device) {
   FillField(record.szPname, device.name);
   record.dwFormats = device.formats;
   record.wChannels = kStereo;
@@ -57,12 +47,11 @@ MMRESULT Tell(const char* function, Devices Multimedia::*devices, UINT_PTR numbe
               UINT size) {
   if (const DWORD error = CallError(function)) return error;
   const Devices& all = CurrentMachine().multimedia.*devices;
-  if (record == nullptr) return MMSYSERR_INVALPARAM;
+  if (record == nullptr || size != sizeof *record) return MMSYSERR_INVALPARAM;
   if (number >= all.size()) return MMSYSERR_BADDEVICEID;
-  Record whole = {};
-  whole.vDriverVersion = kDriverVersion;
-  Fill(whole, all[number]);
-  std::memcpy(record, &whole, std::min<std::size_t>(size, sizeof whole));
+  *record = {};
+  record->vDriverVersion = kDriverVersion;
+  Fill(*record, all[number]);
   return MMSYSERR_NOERROR;
 }
 

@@ -8,8 +8,7 @@ namespace host {
 namespace {
 
 const LayerLibrary kJoysticks({.name = "WINMM.DLL",
-                               .exports = {{"joyGetNumDevs", Export(&joyGetNumDevs)},
-                                           {"joyGetPos", Export(&joyGetPos)}}});
+                               .exports = {HOST_EXPORT(joyGetNumDevs), HOST_EXPORT(joyGetPos)}});
 
 }  // namespace
 }  // namespace host

@@ -1,5 +1,7 @@
 #include "probes/devices/audio_codecs.h"
 
+#include <cstdint>
+
 #include "probes/devices/record_list.h"
 #include "util/library.h"
 #include "util/text.h"
@@ -12,6 +14,12 @@ constexpr char kListName[] = "Audio codecs";
 constexpr std::array<const char*, 2> kManagerFunctions = {"acmDriverEnum", "acmDriverDetailsA"};
 using EnumFunction = decltype(&acmDriverEnum);
 using DetailsFunction = decltype(&acmDriverDetailsA);
+
+// "%u.%02u" of the two top bytes of a driver's version word.
+void FormatCodecVersion(std::uint32_t version, char (&text)[sizeof AudioCodecRecord::version]) {
+  wsprintfA(text, "%u.%02u", static_cast<unsigned>(version >> 24),
+            static_cast<unsigned>(version >> 16 & 0xFF));
+}
 
 struct Enumeration {
   RecordArray& codecs;
@@ -34,11 +42,6 @@ BOOL CALLBACK AppendCodec(HACMDRIVERID driver, DWORD_PTR instance, DWORD) {
 
 }  // namespace
 
-void FormatCodecVersion(std::uint32_t version, std::span<char> text) {
-  wsprintfA(text.data(), "%u.%02u", static_cast<unsigned>(version >> 24),
-            static_cast<unsigned>(version >> 16 & 0xFF));
-}
-
 bool ListAudioCodecs(RecordArray& codecs) {
   BoundLibrary<kManagerFunctions.size()> manager;
   if (!manager.Bind("MSACM32.DLL", kManagerFunctions)) return false;
@@ -49,8 +52,8 @@ bool ListAudioCodecs(RecordArray& codecs) {
 
 bool WriteAudioCodecs(ItemRun& run) {
   RecordArray codecs;
-  codecs.Create(sizeof(AudioCodecRecord));
-  if (!ListAudioCodecs(codecs)) return WriteFailedList(run.report, kListName);
+  if (!codecs.Create(sizeof(AudioCodecRecord)) || !ListAudioCodecs(codecs))
+    return WriteFailedList(run.report, kListName);
   WriteLines<AudioCodecRecord>(
       run.report, kListName, codecs,
       [](ReportWriter& report, const char* label, const AudioCodecRecord& codec) {

@@ -4,15 +4,13 @@ namespace hostscope {
 
 static_assert(sizeof(SP_DEVINFO_DATA) == 28);
 
-ClassLookup FindDeviceClass(const ProbeContext& context, const char* name, GUID& identifier) {
+bool FindDeviceClass(const ProbeContext& context, const char* name, GUID& identifier) {
   const auto find =
       context.Setup<decltype(&SetupDiClassGuidsFromNameA)>(SetupFunction::kClassGuidsFromName);
   DWORD number = 0;
+  if (find(name, &identifier, 1, &number) != 0) return number > 0;
   // With several classes of one name the library fills what there is room for and says no.
-  const bool answered = find(name, &identifier, 1, &number) != 0 ||
-                        (GetLastError() == ERROR_INSUFFICIENT_BUFFER && number > 1);
-  if (!answered) return ClassLookup::kFailed;
-  return number == 0 ? ClassLookup::kNoSuchClass : ClassLookup::kFound;
+  return GetLastError() == ERROR_INSUFFICIENT_BUFFER && number > 1;
 }
 
 DeviceInfoSet::DeviceInfoSet(const ProbeContext& context, const GUID& class_identifier)
@@ -41,6 +39,8 @@ OwnedText DeviceInfoSet::InstanceId() {
   if (size == 0) return {};
   OwnedText id = CopyOfText("", 0, size);
   if (!id.present() || get(set_, &device_, id.data(), size, nullptr) == 0) return {};
+  // An empty one would name the root of all devices.
+  if (id.c_str()[0] == '\0') return {};
   return id;
 }
 

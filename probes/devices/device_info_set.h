@@ -7,11 +7,9 @@
 
 namespace hostscope {
 
-enum class ClassLookup { kFound, kNoSuchClass, kFailed };
-
-// The identifier of the class of devices that has this name, of the first one if several have. The
-// set-up library must be bound.
-ClassLookup FindDeviceClass(const ProbeContext& context, const char* name, GUID& identifier);
+// The identifier of the class of devices that has this name, of the first one if several have;
+// false when the library gives none. The set-up library must be bound.
+bool FindDeviceClass(const ProbeContext& context, const char* name, GUID& identifier);
 
 // The present devices of a class, gone through once, from the first to the last.
 class DeviceInfoSet {
@@ -26,7 +24,7 @@ class DeviceInfoSet {
   // Goes on to the next device, at first to the first one; false when there is none.
   bool Next();
   // The device's name among all devices, of any length: its key below the root of device keys. None
-  // when the library does not give it, and when there is no memory.
+  // when the library does not give it or gives an empty one, and when there is no memory.
   OwnedText InstanceId();
 
  private:

@@ -1,7 +1,7 @@
 #include "probes/devices/device_list.h"
 
 #include "probes/devices/device_scanner.h"
-#include "util/text.h"
+#include "probes/devices/record_list.h"
 
 namespace hostscope {
 namespace {
@@ -14,18 +14,17 @@ const char* PortName(const DeviceRecord& record) {
   return static_cast<const PortRecord&>(record).port_name;
 }
 
-void WriteRecords(ReportWriter& report, const DeviceList& list, const RecordArray& records) {
-  char label[kListLabelSize];
-  FormatListLabel(label, list.list_name, records.count());
-  if (records.count() == 0) report.WriteFormatted("%s\r\n", label);
-  for (int i = 0; i < records.count(); ++i) {
-    const auto& record = *records.GetAs<DeviceRecord>(i);
-    report.WriteDeviceBlock(label, record);
-    if (list.extra_field != nullptr) {
-      report.WriteFormatted(kTextFieldFormat, label, list.extra_field, list.extra_text(record));
-    }
-    report.WriteText(kLineEnd);
-  }
+void WriteDeviceRecords(ReportWriter& report_of_run, const DeviceList& list,
+                        const RecordArray& records) {
+  WriteRecords<DeviceRecord>(
+      report_of_run, list.list_name, records,
+      [&list](ReportWriter& report, char* label, const DeviceRecord& record) {
+        report.WriteDeviceBlock(label, record);
+        if (list.extra_field != nullptr) {
+          report.WriteFormatted(kTextFieldFormat, label, list.extra_field, list.extra_text(record));
+        }
+        report.WriteText(kLineEnd);
+      });
 }
 
 }  // namespace
@@ -38,23 +37,18 @@ constinit const DeviceList kKeyboard = {"Keyboard", "Keyboard", sizeof(DeviceRec
 constinit const DeviceList kModems = {"Modems", "Modem", sizeof(ModemRecord), "Port", AttachedTo};
 constinit const DeviceList kPorts = {"Ports", "Ports", sizeof(PortRecord), "Port name", PortName};
 
-void FormatListLabel(std::span<char> label, const char* list_name, int count) {
-  char text[kFormattedSize + 1] = {};
-  wsprintfA(text, "%s (total %u)", list_name, static_cast<unsigned>(count));
-  EndFormatted(text);
-  CopyText(label.data(), label.size(), text);
-}
-
 bool WriteDeviceList(ItemRun& run, const DeviceList& list) {
   RecordArray records;
-  const bool examined = records.Create(list.record_size) &&
-                        ScanDeviceClass(run.context, list.class_name, records) >= 0;
-  if (examined) {
-    WriteRecords(run.report, list, records);
-  } else {
-    run.report.WriteFormatted("%-27s\r\n", list.list_name);
+  if (!records.Create(list.record_size) ||
+      ScanDeviceClass(run.context, list.class_name, records) < 0) {
+    return WriteFailedList(run.report, list.list_name);
   }
-  return examined;
+  if (records.count() == 0) {
+    WriteEmptyList(run.report, list.list_name);
+  } else {
+    WriteDeviceRecords(run.report, list, records);
+  }
+  return true;
 }
 
 }  // namespace hostscope

@@ -2,17 +2,10 @@
 #pragma once
 
 #include <cstddef>
-#include <span>
 
 #include "report/item.h"
 
 namespace hostscope {
-
-// Room for a list label, terminator included: the longest list name and the largest number.
-inline constexpr std::size_t kListLabelSize = 64;
-
-// "%s (total %u)" of the list name and the number of entries, cut to the field.
-void FormatListLabel(std::span<char> label, const char* list_name, int count);
 
 struct DeviceList {
   const char* list_name;

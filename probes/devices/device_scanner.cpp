@@ -12,12 +12,6 @@ namespace {
 
 constexpr std::int32_t kCannotBeExamined = -1;
 
-RegistryKey OpenMachineKey(std::initializer_list<const char*> path) {
-  const OwnedText joined = JoinKeyPath(path);
-  if (!joined.present()) return {};
-  return RegistryKey::Open(HKEY_LOCAL_MACHINE, joined.c_str(), KEY_QUERY_VALUE);
-}
-
 // A present device: its own key, and that of its driver where it has one.
 struct Device {
   bool is_nt;
@@ -39,8 +33,8 @@ void ReadCommonValues(const Device& device, DeviceRecord& record) {
   device.DriverValue("DriverDate").CopyTextTo(record.driver_date);
 }
 
-// What a class adds to the common values; false for a device that is left out.
-
+// This and the functions like it read what a class adds to the common values. False for a device
+// that is left out.
 bool ReadPlainDevice(const Device&, DeviceRecord&) {
   return true;
 }
@@ -65,8 +59,8 @@ bool ReadNetCard(const Device& device, NetCardRecord& record) {
   const bool listed_without_addresses = !device.is_nt;
   const OwnedText id = device.DriverValue("NetCfgInstanceId").AsText();
   if (!id.present()) return listed_without_addresses;
-  const RegistryKey addresses =
-      OpenMachineKey({"SYSTEM\\CurrentControlSet\\Services", id.c_str(), "Parameters\\Tcpip"});
+  const RegistryKey addresses = OpenMachineKey(
+      {"SYSTEM\\CurrentControlSet\\Services", id.c_str(), "Parameters\\Tcpip"}, KEY_QUERY_VALUE);
   if (!addresses.open()) return listed_without_addresses;
   record.dhcp_enabled = ReadRegistryValue(addresses.get(), "EnableDHCP").FirstNumber();
   ReadRegistryValue(addresses.get(), "IPAddress").CopyTextTo(record.ip_address);
@@ -122,16 +116,19 @@ const DeviceClass& ClassNamed(const char* name) {
 Device OpenDevice(const ProbeContext& context, const char* instance_id) {
   const RegistryRoots& roots = RootsOf(context);
   Device device = {.is_nt = context.is_nt(),
-                   .key = OpenMachineKey({roots.devices, instance_id}),
+                   .key = OpenMachineKey({roots.devices, instance_id}, KEY_QUERY_VALUE),
                    .driver_key = {}};
   if (!device.key.open()) return device;
   const OwnedText driver = device.Value("Driver").AsText();
-  if (driver.present()) device.driver_key = OpenMachineKey({roots.drivers, driver.c_str()});
+  if (driver.present())
+    device.driver_key = OpenMachineKey({roots.drivers, driver.c_str()}, KEY_QUERY_VALUE);
   return device;
 }
 
-std::int32_t ListPresentDevices(const ProbeContext& context, const DeviceClass& device_class,
-                                const GUID& identifier, RecordArray& records) {
+std::int32_t ListPresentDevices(const ProbeContext& context, const char* class_name,
+                                const DeviceClass& device_class, RecordArray& records) {
+  GUID identifier = {};
+  if (!FindDeviceClass(context, class_name, identifier)) return 0;
   DeviceInfoSet devices(context, identifier);
   if (!devices.open()) return kCannotBeExamined;
   std::int32_t count = 0;
@@ -144,27 +141,13 @@ std::int32_t ListPresentDevices(const ProbeContext& context, const DeviceClass& 
   return count;
 }
 
-std::int32_t ScanSetupClass(const ProbeContext& context, const char* class_name,
-                            const DeviceClass& device_class, RecordArray& records) {
-  GUID identifier = {};
-  switch (FindDeviceClass(context, class_name, identifier)) {
-    case ClassLookup::kFailed:
-      return kCannotBeExamined;
-    case ClassLookup::kNoSuchClass:
-      return 0;
-    case ClassLookup::kFound:
-      break;
-  }
-  return ListPresentDevices(context, device_class, identifier, records);
-}
-
 }  // namespace
 
 std::int32_t ScanDeviceClass(const ProbeContext& context, const char* class_name,
                              RecordArray& records) {
   if (IsNetworkComponentClass(class_name) || !context.has_setup_api()) return kCannotBeExamined;
   const DeviceClass& device_class = ClassNamed(class_name);
-  const std::int32_t count = ScanSetupClass(context, class_name, device_class, records);
+  const std::int32_t count = ListPresentDevices(context, class_name, device_class, records);
   if (count != 0 || device_class.list_on_old_nt == nullptr || !IsNt351Or40()) return count;
   return device_class.list_on_old_nt(records);
 }

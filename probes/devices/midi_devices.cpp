@@ -10,6 +10,8 @@ namespace {
 constexpr char kInputs[] = "MIDI input";
 constexpr char kOutputs[] = "MIDI output";
 
+constexpr char kNumberFieldFormat[] = "%-27s%-15s:  %u\r\n";
+
 struct TechnologyRow {
   unsigned number;
   const char* text;
@@ -41,8 +43,8 @@ MidiOutRecord OutputOf(const MIDIOUTCAPSA& capabilities) {
 void WriteOutput(ReportWriter& report, char* label, const MidiOutRecord& device) {
   report.WriteFormatted(kTextFieldFormat, label, "Name", device.name);
   report.WriteFormatted(kTextFieldFormat, "", "Type", device.technology);
-  report.WriteFormatted("%-27s%-15s:  %u\r\n", "", "Voices", unsigned{device.voices});
-  report.WriteFormatted("%-27s%-15s:  %u\r\n", "", "Notes", unsigned{device.notes});
+  report.WriteFormatted(kNumberFieldFormat, "", "Voices", unsigned{device.voices});
+  report.WriteFormatted(kNumberFieldFormat, "", "Notes", unsigned{device.notes});
   report.WriteFormatted("%-27s%-15s:  0x%04X\r\n", "", "Channels", unsigned{device.channel_mask});
   report.WriteText(kLineEnd);
 }
@@ -67,8 +69,8 @@ bool ListMidiOutputs(RecordArray& devices) {
 
 bool WriteMidiInputs(ItemRun& run) {
   RecordArray devices;
-  devices.Create(sizeof(MidiInRecord));
-  if (!ListMidiInputs(devices)) return WriteFailedList(run.report, kInputs);
+  if (!devices.Create(sizeof(MidiInRecord)) || !ListMidiInputs(devices))
+    return WriteFailedList(run.report, kInputs);
   WriteLines<MidiInRecord>(run.report, kInputs, devices,
                            [](ReportWriter& report, const char* label, const MidiInRecord& device) {
                              report.WriteFormatted("%-27s%s\r\n", label, device.name);
@@ -78,8 +80,8 @@ bool WriteMidiInputs(ItemRun& run) {
 
 bool WriteMidiOutputs(ItemRun& run) {
   RecordArray devices;
-  devices.Create(sizeof(MidiOutRecord));
-  if (!ListMidiOutputs(devices)) return WriteFailedList(run.report, kOutputs);
+  if (!devices.Create(sizeof(MidiOutRecord)) || !ListMidiOutputs(devices))
+    return WriteFailedList(run.report, kOutputs);
   WriteRecords<MidiOutRecord>(run.report, kOutputs, devices, WriteOutput);
   return true;
 }

@@ -9,10 +9,6 @@ namespace {
 
 constexpr std::int32_t kNoSuchClass = -1;
 
-RegistryKey OpenMachineKey(const char* path) {
-  return RegistryKey::Open(HKEY_LOCAL_MACHINE, path, KEY_READ);
-}
-
 // False when the key has no such value, or it could not be appended.
 bool AppendValue(const RegistryKey& key, const char* value_name, StringList& texts) {
   const OwnedText text = ReadRegistryValue(key.get(), value_name).AsText();
@@ -27,7 +23,7 @@ bool IsOfClass(const RegistryKey& key, const char* class_name) {
 // On NT the components of a class lie under a key that is named as the class's key is.
 OwnedText FindClassKeyName(const char* class_name) {
   OwnedText found;
-  const RegistryKey classes = OpenMachineKey(kNtRoots.drivers);
+  const RegistryKey classes = OpenMachineKey({kNtRoots.drivers}, KEY_READ);
   if (!classes.open()) return found;
   ForEachSubkey(classes, [&](const char* name, const RegistryKey& key) {
     if (!IsOfClass(key, class_name)) return true;
@@ -40,10 +36,10 @@ OwnedText FindClassKeyName(const char* class_name) {
 std::int32_t ListNtComponents(const char* class_name, StringList& descriptions) {
   const OwnedText class_key = FindClassKeyName(class_name);
   if (!class_key.present()) return kNoSuchClass;
-  const OwnedText path = JoinKeyPath({kNtRoots.network_components, class_key.c_str()});
-  const RegistryKey components = OpenMachineKey(path.c_str());
+  const RegistryKey components =
+      OpenMachineKey({kNtRoots.network_components, class_key.c_str()}, KEY_READ);
   std::int32_t count = 0;
-  if (!path.present() || !components.open()) return count;
+  if (!components.open()) return count;
   ForEachSubkey(components, [&](const char*, const RegistryKey& component) {
     count += AppendValue(component, "Description", descriptions) ? 1 : 0;
     return true;
@@ -59,7 +55,7 @@ bool IsMasterCopy(const RegistryKey& instance, const char* component, const char
 }
 
 std::int32_t ListWindows9xComponents(const char* class_name, StringList& descriptions) {
-  const RegistryKey components = OpenMachineKey(kWindows9xRoots.network_components);
+  const RegistryKey components = OpenMachineKey({kWindows9xRoots.network_components}, KEY_READ);
   if (!components.open()) return kNoSuchClass;
   std::int32_t count = 0;
   ForEachSubkey(components, [&](const char* component_name, const RegistryKey& component) {

@@ -5,6 +5,7 @@
 #include "util/file_version.h"
 #include "util/registry.h"
 #include "util/subkeys.h"
+#include "util/windows_version.h"
 
 namespace hostscope {
 namespace {
@@ -37,17 +38,15 @@ bool AppendMidiDriver(const char* name, RecordArray& records) {
 }  // namespace
 
 bool IsNt351Or40() {
-  OSVERSIONINFOA version = {};
-  version.dwOSVersionInfoSize = sizeof version;
-  return GetVersionExA(&version) != 0 && version.dwPlatformId == VER_PLATFORM_WIN32_NT &&
+  OSVERSIONINFOA version;
+  return ReadWindowsVersion(version) && version.dwPlatformId == VER_PLATFORM_WIN32_NT &&
          (version.dwMajorVersion == 4 ||
           (version.dwMajorVersion == 3 && version.dwMinorVersion == 51));
 }
 
 std::int32_t ListNtNetworkCards(RecordArray& records) {
   const RegistryKey cards =
-      RegistryKey::Open(HKEY_LOCAL_MACHINE,
-                        "Software\\Microsoft\\Windows NT\\CurrentVersion\\NetworkCards", KEY_READ);
+      OpenMachineKey({"Software\\Microsoft\\Windows NT\\CurrentVersion\\NetworkCards"}, KEY_READ);
   std::int32_t count = 0;
   if (!cards.open()) return count;
   ForEachSubkey(cards, [&](const char*, const RegistryKey& card) {

@@ -1,7 +1,7 @@
 #include "probes/devices/video_codecs.h"
 
 #include <cstddef>
-#include <iterator>
+#include <cstring>
 
 #include "probes/devices/record_list.h"
 #include "util/file_version.h"
@@ -21,13 +21,24 @@ using OpenFunction = decltype(&ICOpen);
 using GetInfoFunction = decltype(&ICGetInfo);
 using CloseFunction = decltype(&ICClose);
 
+// Some compressors leave to the manager what it knows: their driver and their code.
+void CompleteAnswer(const ICINFO& known, ICINFO& answer) {
+  if (answer.szDriver[0] == 0) std::memcpy(answer.szDriver, known.szDriver, sizeof known.szDriver);
+  if (answer.fccHandler == 0) answer.fccHandler = known.fccHandler;
+}
+
 // What the compressor says of itself in place of what the manager has said; that stays when the
-// compressor can't be opened or does not answer.
+// compressor can't be opened or does not describe itself.
 void AskCompressor(const VideoManager& manager, ICINFO& info) {
   const HIC compressor = manager.Get<OpenFunction>(1)(ICTYPE_VIDEO, info.fccHandler, ICMODE_QUERY);
   if (compressor == nullptr) return;
   ICINFO answer = info;
-  if (manager.Get<GetInfoFunction>(2)(compressor, &answer, sizeof answer) > 0) info = answer;
+  // The answer is a number of bytes or an error, which is negative; 0 is no sign of either.
+  const LRESULT filled = manager.Get<GetInfoFunction>(2)(compressor, &answer, sizeof answer);
+  if (filled >= 0 && answer.szDescription[0] != 0) {
+    CompleteAnswer(info, answer);
+    info = answer;
+  }
   manager.Get<CloseFunction>(3)(compressor);
 }
 
@@ -44,20 +55,20 @@ bool FindCompressor(const VideoManager& manager, DWORD index, ICINFO& info) {
 template <std::size_t kUnits, std::size_t kSize>
 void ConvertText(WCHAR (&wide)[kUnits], char (&text)[kSize]) {
   wide[kUnits - 1] = 0;
-  text[0] = '\0';
   // Composed characters for decomposed ones. A system whose code page is UTF-8 takes no flags.
   for (const DWORD flags : {DWORD{WC_COMPOSITECHECK | WC_DISCARDNS}, DWORD{0}}) {
-    if (WideCharToMultiByte(CP_ACP, flags, wide, -1, text, kSize, nullptr, nullptr) > 0) break;
+    if (WideCharToMultiByte(CP_ACP, flags, wide, -1, text, kSize, nullptr, nullptr) > 0) return;
   }
-  text[kSize - 1] = '\0';
+  // A conversion that breaks off has written a part.
+  text[0] = '\0';
 }
 
+// All but the version, for which the driver's file has to be read.
 VideoCodecRecord RecordOf(ICINFO& info) {
   VideoCodecRecord codec = {};
   codec.handler = info.fccHandler;
   ConvertText(info.szDescription, codec.description);
   ConvertText(info.szDriver, codec.driver);
-  ReadFileVersionItem(codec.driver, "FileVersion", codec.version);
   return codec;
 }
 
@@ -76,13 +87,16 @@ void ListVideoCodecs(RecordArray& codecs) {
   if (!manager.Bind("MSVFW32.DLL", kManagerFunctions)) return;
   ICINFO info;
   for (DWORD index = 0; FindCompressor(manager, index, info); ++index) {
-    const VideoCodecRecord codec = RecordOf(info);
-    if (!IsListedVideoCodec(codecs, codec)) codecs.Append(&codec);
+    VideoCodecRecord codec = RecordOf(info);
+    if (IsListedVideoCodec(codecs, codec)) continue;
+    ReadFileVersionItem(codec.driver, "FileVersion", codec.version);
+    codecs.Append(&codec);
   }
 }
 
 bool WriteVideoCodecs(ItemRun& run) {
   RecordArray codecs;
+  // This list cannot fail: without memory it is empty, as it is without the manager.
   codecs.Create(sizeof(VideoCodecRecord));
   ListVideoCodecs(codecs);
   WriteLines<VideoCodecRecord>(

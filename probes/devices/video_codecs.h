@@ -20,8 +20,8 @@ struct VideoCodecRecord {
 bool IsListedVideoCodec(const RecordArray& codecs, const VideoCodecRecord& codec);
 
 // Appends a record for each compressor that is not listed yet, in the order of the manager; none
-// when the manager is absent. A compressor that can't be asked has what the manager itself knows of
-// it.
+// when the manager is absent. A compressor that can't be asked, or does not describe itself, has
+// what the manager itself knows of it.
 void ListVideoCodecs(RecordArray& codecs);
 
 bool WriteVideoCodecs(ItemRun& run);

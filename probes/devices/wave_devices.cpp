@@ -39,8 +39,8 @@ WaveDeviceRecord RecordOf(const Capabilities& capabilities) {
 
 bool WriteWaveDevices(ItemRun& run, WaveDirection direction, const char* list_name) {
   RecordArray devices;
-  devices.Create(sizeof(WaveDeviceRecord));
-  if (!ListWaveDevices(direction, devices)) return WriteFailedList(run.report, list_name);
+  if (!devices.Create(sizeof(WaveDeviceRecord)) || !ListWaveDevices(direction, devices))
+    return WriteFailedList(run.report, list_name);
   WriteLines<WaveDeviceRecord>(
       run.report, list_name, devices,
       [](ReportWriter& report, const char* label, const WaveDeviceRecord& device) {

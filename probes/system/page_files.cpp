@@ -125,7 +125,7 @@ bool ReadPageFiles(ProbeContext& context) {
 
 bool WritePageFiles(ItemRun& run) {
   if (!ReadPageFiles(run.context)) {
-    run.report.WriteFormatted("%-27s\r\n", kLabel);
+    run.report.WriteFormatted(kLabelLineFormat, kLabel);
     return false;
   }
   const RecordArray& page_files = run.context.page_files;

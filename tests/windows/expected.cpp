@@ -100,6 +100,17 @@ std::string Padded(const std::string& text, size_t width) {
   return text.size() < width ? text + std::string(width - text.size(), ' ') : text;
 }
 
+std::string FieldLine(const std::string& label, const std::string& field,
+                      const std::string& value) {
+  return Padded(label, 27) + Padded(field, 15) + ":  " + value + "\r\n";
+}
+
+std::string Narrow(const wchar_t* text) {
+  char narrow[1024] = {};
+  WideCharToMultiByte(CP_ACP, 0, text, -1, narrow, sizeof narrow, nullptr, nullptr);
+  return narrow;
+}
+
 std::string ProgressLine(const char* progress, const char* status) {
   return Padded(progress, 25) + status;
 }

@@ -43,6 +43,10 @@ std::string ProfileWith(const std::string& general, const std::string& post_run 
 
 // The text, filled up with blanks on the right.
 std::string Padded(const std::string& text, size_t width);
+// "%-27s%-15s:  %s" and the line's end.
+std::string FieldLine(const std::string& label, const std::string& field, const std::string& value);
+// In the system's code page.
+std::string Narrow(const wchar_t* text);
 // "%-25s%s"
 std::string ProgressLine(const char* progress, const char* status);
 // The finished list of a run with all eight items, each of them Ok.

@@ -162,6 +162,17 @@ RegistryValue::~RegistryValue() {
   RegCloseKey(key_);
 }
 
+void PutTexts(const std::string& key,
+              std::initializer_list<std::pair<const char*, std::string>> texts) {
+  HKEY made = nullptr;
+  if (RegCreateKeyA(HKEY_LOCAL_MACHINE, key.c_str(), &made) != ERROR_SUCCESS)
+    throw std::runtime_error("cannot make the registry key " + key);
+  for (const auto& [name, text] : texts)
+    RegSetValueExA(made, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+                   static_cast<DWORD>(text.size() + 1));
+  RegCloseKey(made);
+}
+
 Release::Release(const std::string& version)
     : value_(RegistryValue::Text(HKEY_CURRENT_USER, "Software\\Wine\\AppDefaults\\hscope.exe",
                                  "Version", version)) {}

@@ -68,6 +68,10 @@ class RegistryValue {
   std::vector<BYTE> old_data_;
 };
 
+// Puts texts into a key of the local machine, which is made when needed.
+void PutTexts(const std::string& key,
+              std::initializer_list<std::pair<const char*, std::string>> texts);
+
 // The Windows release that programs named hscope.exe find when they start.
 class Release {
  public:

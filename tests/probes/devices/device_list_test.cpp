@@ -73,15 +73,5 @@ TEST(DeviceLists, InTheReport) {
   }
 }
 
-TEST(DeviceLists, LabelsAreCutToTheirField) {
-  host::Machine machine;
-  const host::UseMachine use(machine);
-  char label[16] = {};
-  FormatListLabel(label, "Ports", 2);
-  EXPECT_STREQ(label, "Ports (total 2)");
-  FormatListLabel(label, std::string(2000, 'x').c_str(), 0);
-  EXPECT_EQ(label, std::string(15, 'x'));
-}
-
 }  // namespace
 }  // namespace hostscope

@@ -5,10 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <regex>
 
-#include "platform/host/reg_file.h"
 #include "probes/devices/old_nt_devices.h"
+#include "tests/support/registry_notation.h"
 #include "tests/support/report_run.h"
 #include "tests/support/test_folder.h"
 #include "tests/support/versioned_file.h"
@@ -21,9 +20,6 @@ const host::WindowsVersion kNt351 = {3, 51, 1057};
 const host::WindowsVersion kNt4 = {4, 0, 1381};
 const host::WindowsVersion kWindows2000 = {5, 0, 2195};
 
-// The exports below have words of their own: [class DIGITS NAME] is a class of NT, whose identifier
-// holds the digits and stands as <DIGITS> elsewhere, [device DIGITS ID] a present device of it; <N>
-// is a long text. Two blanks end a line.
 constexpr char kNtDevices[] = R"(
 [class 965 CDROM]
 [class 96c MEDIA]
@@ -79,21 +75,6 @@ constexpr char kPresentOnWindows98[] = R"(
 [HKDD\Config Manager\Enum\C2]  "HardWareKey"="A\\n\\1"
 )";
 
-std::string Expanded(std::string exports) {
-  const std::pair<const char*, std::string> rows[] = {
-      {R"(\[class (\w+) (\w+)\])", "[CCS\\Control\\Class\\<$1>]\n\"Class\"=\"$2\""},
-      {R"(\[device (\w+) (.+)\])",
-       "[CCS\\Enum\\$2\\Control]\n[CCS\\Enum\\$2]\n\"ClassGUID\"=\"<$1>\""},
-      {R"(\[CCS)", "[HKLM\\SYSTEM\\CurrentControlSet"},
-      {"<(9..)>", "{4d36e$1-E325-11CE-BFC1-08002BE10318}"},
-      {"<N>", std::string(300, 'n')},
-      {"  ", "\n"},
-  };
-  for (const auto& [token, text] : rows)
-    exports = std::regex_replace(exports, std::regex(token), text);
-  return exports;
-}
-
 std::string Extras(const DeviceRecord&) {
   return "";
 }
@@ -119,8 +100,7 @@ class DeviceScanner : public testing::Test {
     machine_.version = version;
     for (const char* const key : {"HKLM\\SYSTEM", "HKLM\\SOFTWARE", "HKLM\\Enum", "HKCU\\Software"})
       machine_.registry.RemoveKey(key);
-    const auto error = host::ReadRegText("REGEDIT4\n" + Expanded(exports), machine_.registry);
-    EXPECT_FALSE(error) << error->line << ": " << error->reason;
+    test::ReadRegistryNotation(machine_, exports);
   }
 
   // What is appended, behind the number that the scanner answers; nothing may stay open.
@@ -185,7 +165,6 @@ TEST_F(DeviceScanner, Records) {
       {kWindows98, kWindows98Devices, "Ports", "1: |||COM1;"},
       {kWindows98, kWindows98Devices, "Modem", "1: ||1-1-1999|COM2;"},
       {kWindows98, kWindows98Devices + std::string(kPresentOnWindows98), "CDROM", "1: |||DE|2;"},
-      {kWindows98, "", "Ports", "0:"},
   };
   for (const auto& row : rows) {
     Become(row.version, row.exports);
@@ -228,8 +207,6 @@ TEST_F(DeviceScanner, OldNtListsWhatTheSetUpLibraryDoesNotKnow) {
       {kNt4, "", "Net", "0:"},
       {kNt4, all, "MEDIA", "2: Port A||; Port D|Acme|;"},
       {kNt4, only_audstub, "MEDIA", "2: Port A||; Port D|Acme|;"},
-      {kNt4, kNtDevices + all, "MEDIA", "1: ||;"},
-      {kWindows2000, all, "MEDIA", "0:"},
       {kNt4, "", "MEDIA", "0:"},
       {kNt4, all, "Monitor", "0:"},
   };
@@ -237,6 +214,10 @@ TEST_F(DeviceScanner, OldNtListsWhatTheSetUpLibraryDoesNotKnow) {
     Become(row.version, row.exports);
     EXPECT_EQ(Scan(row.device_class), row.expected) << row.version.major << row.device_class;
   }
+  // One that does not answer the question for the class knows none of it.
+  Become(kNt4, kNtDevices + all);
+  machine_.faults.FailNth("SetupDiClassGuidsFromNameA", 1, ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Scan("MEDIA"), "2: Port A||; Port D|Acme|;");
 }
 
 TEST(MidiDriverList, EntriesThatAreTaken) {
@@ -320,7 +301,7 @@ TEST_F(DeviceScanner, FailingCalls) {
   } rows[] = {
       {"LoadLibraryA", 1, "-1:"},
       {"GetProcAddress", 5, "-1:"},
-      {"SetupDiClassGuidsFromNameA", 1, "-1:"},
+      {"SetupDiClassGuidsFromNameA", 1, "0:"},
       {"SetupDiGetClassDevsA", 1, "-1:"},
       {"SetupDiEnumDeviceInfo", 1, "0:"},
       {"SetupDiEnumDeviceInfo", 2, "1: ||6-6-2001|COM3;"},
@@ -343,8 +324,67 @@ TEST_F(DeviceScanner, FailingCalls) {
     const std::string scanned = Scan("Modem");
     EXPECT_EQ(std::to_string(std::ranges::count(scanned, ';')), scanned.substr(0, 1)) << nth;
   }
+  // Of a class without an identifier there is no set to open.
+  machine_.faults.FailAlways("SetupDiGetClassDevsA", ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Scan("Toaster"), "0:");
+}
+
+TEST_F(DeviceScanner, DevicesThatMayNotBeReadAreLeftOut) {
+  Become(kWindows2000, kNtDevices);
   machine_.registry.DenyAccess("HKLM\\SYSTEM\\CurrentControlSet\\Enum\\M\\m\\1");
   EXPECT_EQ(Scan("Modem"), "1: |||;");
+}
+
+// The mask of each key's opening; a class of components is asked for where it is one.
+TEST_F(DeviceScanner, KeysAreOpenedForNoMoreThanIsRead) {
+  const std::string system = "SYSTEM\\CurrentControlSet\\";
+  const std::string cards = "Software\\Microsoft\\Windows NT\\CurrentVersion\\NetworkCards";
+  const struct {
+    const host::WindowsVersion& version;
+    const char* exports;
+    const char* device_class;
+    std::vector<std::string> keys;
+    DWORD access;
+  } rows[] = {
+      {kWindows2000,
+       kNtDevices,
+       "Net",
+       {system + "Enum\\N\\n\\With addresses", system + "Control\\Class\\m\\1",
+        system + "Services\\{A}\\Parameters\\Tcpip"},
+       1},
+      {kNt4, kOldNtFallbacks, "Net", {cards, cards + "\\1"}, 0x20019},
+      {kWindows2000,
+       kNtComponents,
+       "NetClient",
+       {system + "Control\\Class", system + "Control\\Class\\{2}", system + "Control\\Network\\{2}",
+        system + "Control\\Network\\{2}\\a"},
+       0x20019},
+      {kWindows98,
+       kWindows98Components,
+       "NetClient",
+       {"Enum\\Network", "Enum\\Network\\A", "Enum\\Network\\A\\0001"},
+       0x20019},
+  };
+  for (const auto& row : rows) {
+    Become(row.version, row.exports);
+    row.device_class == std::string("Net") ? Scan("Net") : ListComponents(row.device_class);
+    const auto root = machine_.registry.Root(host::Hive::kLocalMachine);
+    for (const std::string& key : row.keys)
+      EXPECT_EQ(machine_.registry.Open(root, key, false)->last_access, row.access) << key;
+  }
+}
+
+// An empty id would be the key above all devices.
+TEST_F(DeviceScanner, DevicesWithAnEmptyIdAreLeftOut) {
+  Become(kWindows2000, kNtDevices);
+  const auto give_nothing = +[](HDEVINFO, PSP_DEVINFO_DATA, LPSTR, DWORD, PDWORD needed) -> BOOL {
+    if (needed != nullptr) *needed = 9;
+    return TRUE;
+  };
+  machine_.libraries.Add(
+      {.name = "SETUPAPI.DLL",
+       .exports = {{"SetupDiGetDeviceInstanceIdA", host::Export(give_nothing)}}});
+  EXPECT_EQ(Scan("Modem"), "0:");
 }
 
 TEST_F(DeviceScanner, InstanceIdsOfAnyLength) {

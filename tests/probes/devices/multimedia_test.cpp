@@ -3,11 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/host/reg_file.h"
 #include "probes/devices/audio_codecs.h"
+#include "probes/devices/cdroms.h"
 #include "probes/devices/midi_devices.h"
 #include "probes/devices/video_codecs.h"
 #include "probes/devices/wave_devices.h"
+#include "tests/support/four_character_code.h"
+#include "tests/support/registry_notation.h"
 #include "tests/support/report_run.h"
 #include "tests/support/versioned_file.h"
 
@@ -48,17 +50,6 @@ TEST(MidiDevices, TechnologyNumbers) {
     EXPECT_STREQ(MidiTechnology(number), texts[number]) << number;
 }
 
-TEST(AudioCodecs, VersionWords) {
-  const ReportRun run;
-  constexpr std::pair<std::uint32_t, const char*> kRows[] = {
-      {0x04000000, "4.00"}, {0x01050565, "1.05"}, {0xFFFFFFFF, "255.255"}, {0x0000FFFF, "0.00"}};
-  for (const auto& [word, text] : kRows) {
-    char version[16];
-    FormatCodecVersion(word, version);
-    EXPECT_STREQ(version, text) << word;
-  }
-}
-
 // The lines below the banner, ended by "|", runs of blanks made one, and the last item's status
 // word behind them.
 std::string Squeezed(ReportRun& run) {
@@ -79,23 +70,17 @@ void ExpectNothingOpen(Machine& machine, const char* what) {
     EXPECT_EQ(machine.libraries.References(library), 0u) << what << ", " << library;
 }
 
-constexpr DWORD Code(const char (&text)[5]) {
-  DWORD code = 0;
-  for (int i = 3; i >= 0; --i)
-    code = code << 8 | static_cast<BYTE>(text[i]);
-  return code;
-}
-
 const std::string kLongName(128, 'n');
 
 void DescribeMultimedia(Machine& machine) {
-  machine.multimedia = {.audio_codecs = {{0x04010565, "Microsoft ADPCM CODEC"}, {1, kLongName}},
-                        .video_codecs = {{Code("cvid"), "Cinepak Codec by Radius", kLongName},
-                                         {Code("mrle"), kLongName, "b.dll"}},
-                        .wave_inputs = {{0x600, "In"}, {0, kLongName}},
-                        .wave_outputs = {{0xFFF, "Out"}},
-                        .midi_inputs = {"MIDI In", kLongName},
-                        .midi_outputs = {{4, 20, 18, 0xFFFF, "FM"}, {7, 65535, 0, 0xA, kLongName}}};
+  machine.multimedia = {
+      .audio_codecs = {{0x04000000, "Microsoft ADPCM CODEC"}, {0xFFFFFFFF, kLongName}},
+      .video_codecs = {{FourCharacterCode("cvid"), "Cinepak Codec by Radius", kLongName},
+                       {FourCharacterCode("mrle"), kLongName, "b.dll"}},
+      .wave_inputs = {{0x600, "In"}, {0, kLongName}},
+      .wave_outputs = {{0xFFF, "Out"}},
+      .midi_inputs = {"MIDI In", kLongName},
+      .midi_outputs = {{4, 20, 18, 0xFFFF, "FM"}, {7, 65535, 0, 0xA, kLongName}}};
 }
 
 TEST(MultimediaItems, Lists) {
@@ -108,9 +93,9 @@ TEST(MultimediaItems, Lists) {
   EXPECT_EQ(
       run.LastSection(),
       "Audio codecs (total 2)     Microsoft ADPCM CODEC                                ver "
-      "4.01\r\n" +
+      "4.00\r\n" +
           blanks + codec +
-          " ver 0.00\r\n\r\n"
+          " ver 255.255\r\n\r\n"
           "Video codecs (total 2)     Cinepak Codec by Radius                              ver "
           "\r\n" +
           blanks + codec +
@@ -150,26 +135,17 @@ TEST(MultimediaItems, WhatIsNotThereOrFails) {
   } rows[] = {
       {"AudioCodecs", nothing, "Audio codecs (total 0)|Ok"},
       {"AudioCodecs", failing("acmDriverDetailsA", 1),
-       "Audio codecs (total 2) ver | " + kLongName.substr(1) + " ver 0.00||Ok"},
+       "Audio codecs (total 2) ver | " + kLongName.substr(1) + " ver 255.255||Ok"},
       {"AudioCodecs", failing("acmDriverEnum", 1), "Audio codecs |Failed"},
       {"AudioCodecs", without("MSACM32.DLL"), "Audio codecs |Failed"},
-      {"AudioCodecs",
-       [](Machine& machine) { machine.libraries.RemoveExport("MSACM32.DLL", "acmDriverDetailsA"); },
-       "Audio codecs |Failed"},
       {"VideoCodecs", nothing, "Video codecs (total 0)|Ok"},
       {"VideoCodecs", without("MSVFW32.DLL"), "Video codecs (total 0)|Ok"},
       {"WaveIn", nothing, "Wave input |Failed"},
       {"WaveIn", without("WINMM.DLL"), "Wave input |Failed"},
       {"WaveIn", failing("waveInGetDevCapsA", 2),
        "Wave input (total 1) In, max format: 44.1 kHz, stereo, 8-bit||Ok"},
-      {"WaveOut", nothing, "Wave output |Failed"},
-      {"WaveOut", failing("waveOutGetDevCapsA", 1), "Wave output |Failed"},
       {"MIDIIn", nothing, "MIDI input |Failed"},
-      {"MIDIIn", failing("midiInGetDevCapsA", 2), "MIDI input (total 1) MIDI In||Ok"},
       {"MIDIOut", nothing, "MIDI output |Failed"},
-      {"MIDIOut", failing("midiOutGetDevCapsA", 2),
-       "MIDI output (total 1) Name : FM| Type : FM synthesizer| Voices : 20| Notes : 18"
-       "| Channels : 0xFFFF||Ok"},
   };
   for (const auto& row : rows) {
     ReportRun run;
@@ -181,18 +157,45 @@ TEST(MultimediaItems, WhatIsNotThereOrFails) {
   }
 }
 
+// Nothing can be gathered in a list for which there is no memory.
+template <bool (*kWrite)(ItemRun&)>
+bool WithoutMemory(ItemRun& run) {
+  host::CurrentMachine().faults.FailNth("HeapAlloc", 1, ERROR_NOT_ENOUGH_MEMORY);
+  return kWrite(run);
+}
+
+TEST(MultimediaItems, WithoutMemoryForTheList) {
+  const struct {
+    bool (*write)(ItemRun&);
+    const char* expected;
+    const char* status;
+  } rows[] = {
+      {WithoutMemory<WriteCdroms>, "CDROM                      \r\n", "Failed"},
+      {WithoutMemory<WriteAudioCodecs>, "Audio codecs               \r\n", "Failed"},
+      {WithoutMemory<WriteVideoCodecs>, "Video codecs (total 0)\r\n", "Ok"},
+  };
+  for (const auto& row : rows) {
+    ReportRun run;
+    DescribeMultimedia(run.machine());
+    run.RunItems({{.progress_label = "Label", .write_lines = row.write}});
+    EXPECT_EQ(run.Report(), row.expected);
+    EXPECT_EQ(run.Progress().back().substr(25), row.status) << row.expected;
+  }
+}
+
 TEST(VideoCodecs, AreListedOnce) {
   const ReportRun run;
   RecordArray codecs;
   codecs.Create(sizeof(VideoCodecRecord));
   for (const VideoCodecRecord& codec :
-       {VideoCodecRecord{Code("cvid"), "", "", "a.dll"}, {Code("mrle"), "", "", "b.dll"}})
+       {VideoCodecRecord{FourCharacterCode("cvid"), "", "", "a.dll"},
+        {FourCharacterCode("mrle"), "", "", "b.dll"}})
     codecs.Append(&codec);
   constexpr std::pair<VideoCodecRecord, bool> kRows[] = {
-      {{Code("mrle"), "", "", "c.dll"}, true},
-      {{Code("msvc"), "", "", "b.dll"}, true},
-      {{Code("msvc"), "", "", "c.dll"}, false},
-      {{Code("MRLE"), "", "", "B.DLL"}, false},
+      {{FourCharacterCode("mrle"), "", "", "c.dll"}, true},
+      {{FourCharacterCode("msvc"), "", "", "b.dll"}, true},
+      {{FourCharacterCode("msvc"), "", "", "c.dll"}, false},
+      {{FourCharacterCode("MRLE"), "", "", "B.DLL"}, false},
   };
   for (const auto& [codec, listed] : kRows)
     EXPECT_EQ(IsListedVideoCodec(codecs, codec), listed) << codec.handler << codec.driver;
@@ -201,6 +204,12 @@ TEST(VideoCodecs, AreListedOnce) {
 TEST(VideoCodecs, AreCollected) {
   const auto failing = [](const char* function, unsigned n) {
     return [=](Machine& machine) { machine.faults.FailNth(function, n, 1); };
+  };
+  const auto answering = [](LRESULT (*answer)(HIC, ICINFO*, DWORD)) {
+    return [=](Machine& machine) {
+      machine.libraries.Add(
+          {.name = "MSVFW32.DLL", .exports = {{"ICGetInfo", host::Export(answer)}}});
+    };
   };
   const struct {
     const char* what;
@@ -211,6 +220,23 @@ TEST(VideoCodecs, AreCollected) {
        "\xC4 \x80|a.dll|1.10;3|C:\\W\\a.dll|1.10;"},
       {"does not open", failing("ICOpen", 1), "|a.dll|1.10;3|C:\\W\\a.dll|1.10;"},
       {"does not answer", failing("ICGetInfo", 3), "\xC4 \x80|a.dll|1.10;|C:\\W\\a.dll|1.10;"},
+      {"leaves driver and code to the manager, and says 0",
+       answering([](HIC, ICINFO* info, DWORD) -> LRESULT {
+         *info = {};
+         info->szDescription[0] = u'X';
+         return 0;
+       }),
+       "X|a.dll|1.10;X|C:\\W\\a.dll|1.10;"},
+      {"answers an error, the record spoilt", answering([](HIC, ICINFO* info, DWORD) -> LRESULT {
+         info->szDescription[0] = info->szDriver[0] = u'X';
+         return -1;
+       }),
+       "|a.dll|1.10;|C:\\W\\a.dll|1.10;"},
+      {"does not describe itself", answering([](HIC, ICINFO* info, DWORD size) -> LRESULT {
+         info->szDriver[0] = u'X';
+         return size;
+       }),
+       "|a.dll|1.10;|C:\\W\\a.dll|1.10;"},
       {"the list breaks off", failing("ICInfo", 3), "\xC4 \x80|a.dll|1.10;"},
       {"not converted",
        [](Machine& machine) { machine.faults.FailAlways("WideCharToMultiByte", 1); }, "||;"},
@@ -223,9 +249,9 @@ TEST(VideoCodecs, AreCollected) {
     run.folder().Write("C/W/a.dll", test::Bytes({.strings = {{"FileVersion", "1.10"}}}));
     machine.files.MountDrive('C', run.folder().path() / "C");
     machine.system_folder = "C:\\W";
-    machine.multimedia.video_codecs = {{Code("IV31"), "\xC4 \x80", "a.dll"},
-                                       {Code("IV32"), "2", "a.dll"},
-                                       {Code("mrle"), "3", "C:\\W\\a.dll"}};
+    machine.multimedia.video_codecs = {{FourCharacterCode("IV31"), "\xC4 \x80", "a.dll"},
+                                       {FourCharacterCode("IV32"), "2", "a.dll"},
+                                       {FourCharacterCode("mrle"), "3", "C:\\W\\a.dll"}};
     row.change(machine);
     RecordArray codecs;
     codecs.Create(sizeof(VideoCodecRecord));
@@ -236,40 +262,39 @@ TEST(VideoCodecs, AreCollected) {
       came += std::string(codec.description) + "|" + codec.driver + "|" + codec.version + ";";
     }
     EXPECT_EQ(came, row.expected) << row.what;
+    // Files are read for what is listed alone.
+    EXPECT_EQ(machine.faults.CallCount("GetFileVersionInfoSizeA"), codecs.count()) << row.what;
     ExpectNothingOpen(machine, row.what);
   }
 }
 
 TEST(Cdroms, AsDevicesOrInTheScsiMap) {
-  const std::string guid = "{4D36E965-E325-11CE-BFC1-08002BE10318}";
-  const std::string system = "[HKLM\\SYSTEM\\CurrentControlSet\\";
-  const std::string nt_class = system + "Control\\Class\\" + guid + "]\n\"Class\"=\"CDROM\"\n";
-  const auto nt_device = [&](const std::string& id, const std::string& values) {
-    const std::string key = system + "Enum\\IDE\\CdRom" + id;
-    return key + "]\n\"ClassGUID\"=\"" + guid + "\"\n" + values + "\n" + key + "\\Control]\n";
-  };
+  const std::string nt_class = "[class 965 CDROM]\n";
   const auto unit = [](const std::string& place, const std::string& values) {
     return "[HKLM\\HARDWARE\\DEVICEMAP\\Scsi\\Scsi Port " + place.substr(0, 1) + "\\Scsi Bus " +
            place.substr(1, 1) + "\\Target Id " + place.substr(2, 1) + "\\Logical Unit Id " +
            place.substr(3, 1) + "]\n" + values + "\n";
   };
   const std::string cdrom = "\"Type\"=\"CdRomPeripheral\"\n\"Identifier\"=";
-  const std::string map = unit("3333", cdrom + "\"Last\"") +
-                          unit("1030", "\"Type\"=\"cdromPERIPHERAL\"\n\"Identifier\"=\"Far\"") +
-                          unit("0003", cdrom + "\"Near\"") + unit("0040", cdrom + "\"beyond\"") +
-                          unit("0001", "\"Type\"=\"DiskPeripheral\"\n\"Identifier\"=\"Disk\"") +
-                          unit("0002", "\"Type\"=\"CdRomPeripheral\"");
+  const std::string map =
+      unit("3000", cdrom + "\"Port 3\"") + unit("0300", cdrom + "\"Bus 3\"") +
+      unit("0030", "\"Type\"=\"cdromPERIPHERAL\"\n\"Identifier\"=\"Target 3\"") +
+      unit("0003", cdrom + "\"Unit 3\"") + unit("0040", cdrom + "\"beyond\"") +
+      unit("0001", "\"Type\"=\"DiskPeripheral\"\n\"Identifier\"=\"Disk\"") +
+      unit("0002", "\"Type\"=\"CdRomPeripheral\"");
   const std::string map_list =
-      "CDROM (total 3) Description : Near|| Description : Far|| Description : Last||Ok";
+      "CDROM (total 4) Description : Unit 3|| Description : Target 3|| Description : Bus 3|| "
+      "Description : Port 3||Ok";
   const struct {
     const char* what;
     bool is_nt, has_setup;
     std::string exports, expected;
   } rows[] = {
       {"Windows 2000, the map does not count", true, true,
-       nt_class + map + nt_device("A\\1", "\"FriendlyName\"=\"One\"\n\"Mfg\"=\"M\"") +
-           nt_device("B\\1", "\"DeviceDesc\"=\"Two\"") + system +
-           "Services\\Cdrom]\n\"Autorun\"=dword:00000001\n",
+       nt_class + map +
+           "[device 965 IDE\\A\\1]\n\"FriendlyName\"=\"One\"  \"Mfg\"=\"M\"\n"
+           "[device 965 IDE\\B\\1]\n\"DeviceDesc\"=\"Two\"\n"
+           "[CCS\\Services\\Cdrom]\n\"Autorun\"=dword:00000001\n",
        "CDROM (total 2) Description : One| Manufacturer : M| Driver date : | Autorun : Yes||"
        " Description : Two| Manufacturer : | Driver date : | Autorun : Yes||Ok"},
       {"Windows 98", false, true,
@@ -287,7 +312,7 @@ TEST(Cdroms, AsDevicesOrInTheScsiMap) {
     ReportRun run;
     if (!row.is_nt) run.machine().version = {.major = 4, .minor = 10, .platform_id = 1};
     if (!row.has_setup) run.machine().libraries.Remove("SETUPAPI.DLL");
-    EXPECT_FALSE(host::ReadRegText("REGEDIT4\n" + row.exports, run.machine().registry)) << row.what;
+    test::ReadRegistryNotation(run.machine(), row.exports);
     run.Run("[MULTIMEDIA]\r\nCDROMs=1\r\n");
     EXPECT_EQ(Squeezed(run), row.expected) << row.what;
     ExpectNothingOpen(run.machine(), row.what);
