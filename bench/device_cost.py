@@ -13,9 +13,7 @@ import tempfile
 import measure
 
 MOST_RATIO = 2.5
-MACHINE = "[Version]\nMajor = 5\nMinor = 0\nBuild = 2195\nPlatform = 2\n"
-PROFILE = "[GENERAL]\r\nSign=Hostscope INI file\r\nReportFileName=report.txt\r\n"
-LIST = PROFILE + "[PORT]\r\nPorts=1\r\n"
+LIST = measure.PROFILE + "[PORT]\r\nPorts=1\r\n"
 CONTROL_SET = "HKEY_LOCAL_MACHINE\\SYSTEM\\CurrentControlSet"
 PORTS = "{4D36E978-E325-11CE-BFC1-08002BE10318}"
 DEVICE = f"""[{CONTROL_SET}\\Enum\\BENCH\\PORT\\{{number:04}}]
@@ -34,16 +32,14 @@ DEVICE = f"""[{CONTROL_SET}\\Enum\\BENCH\\PORT\\{{number:04}}]
 def describe_machine(folder, count):
     devices = "".join(DEVICE.replace("{number:04}", f"{i:04}").replace("{number}", str(i))
                       for i in range(count))
-    folder.mkdir()
-    (folder / "machine.ini").write_text(MACHINE)
-    (folder / "system.reg").write_text(
-        f'REGEDIT4\n\n[{CONTROL_SET}\\Control\\Class\\{PORTS}]\n"Class"="Ports"\n{devices}')
+    measure.describe_machine(
+        folder, f'[{CONTROL_SET}\\Control\\Class\\{PORTS}]\n"Class"="Ports"\n{devices}')
 
 
 def least(hscope, machine, profile, folder, runs):
     # The least is what the work takes; the rest is what else the machine did.
-    command = [hscope, "--machine", str(machine), str(profile), str(folder)]
-    return min(measure.cost(command, folder).milliseconds for _ in range(runs))
+    return min(measure.report_cost(hscope, machine, profile, folder).milliseconds
+               for _ in range(runs))
 
 
 def main():
@@ -55,12 +51,12 @@ def main():
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
         (folder / "list.ini").write_text(LIST, newline="")
-        (folder / "none.ini").write_text(PROFILE, newline="")
+        (folder / "none.ini").write_text(measure.PROFILE, newline="")
         for count in (1_000, 2_000, 4_000):
-            machine = folder / str(count)
-            describe_machine(machine, count)
-            time = (least(hscope, machine, folder / "list.ini", folder, runs) -
-                    least(hscope, machine, folder / "none.ini", folder, runs))
+            machine = str(count)
+            describe_machine(folder / machine, count)
+            time = (least(hscope, machine, "list.ini", folder, runs) -
+                    least(hscope, machine, "none.ini", folder, runs))
             print(f"{count:>10} {time:>10.1f} {f'{time / before:.2f}' if before else '-':>7}")
             within &= before is None or time < MOST_RATIO * before
             before = time

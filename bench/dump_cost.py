@@ -17,22 +17,13 @@ import measure
 MOST_MILLISECONDS = 1000  # for 100,000 values
 MOST_RATIO = 2.5
 MOST_KILOBYTES = 512
-MACHINE = "[Version]\nMajor = 5\nMinor = 0\nBuild = 2195\nPlatform = 2\n"
-PROFILE = "[GENERAL]\r\nSign=Hostscope INI file\r\nReportFileName=report.txt\r\n"
-DUMP = PROFILE + "[REGISTRY KEYS]\r\nHKLM\\Software\\Bench\r\n"
+DUMP = measure.PROFILE + "[REGISTRY KEYS]\r\nHKLM\\Software\\Bench\r\n"
 KINDS = ('"some text of a usual size"', "dword:0000002a", "hex:01,02,03,04,05,06,07,08,ff")
 
 
 def describe_machine(folder, count):
     values = (f'"Value {i}"={KINDS[i % len(KINDS)]}\n' for i in range(count))
-    folder.mkdir()
-    (folder / "machine.ini").write_text(MACHINE)
-    (folder / "software.reg").write_text("REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\Software\\Bench]\n" +
-                                         "".join(values))
-
-
-def run(hscope, machine, profile, folder):
-    return measure.cost([hscope, "--machine", str(machine), str(profile), str(folder)], folder)
+    measure.describe_machine(folder, "[HKEY_LOCAL_MACHINE\\Software\\Bench]\n" + "".join(values))
 
 
 def main():
@@ -44,12 +35,13 @@ def main():
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
         (folder / "dump.ini").write_text(DUMP, newline="")
-        (folder / "none.ini").write_text(PROFILE, newline="")
+        (folder / "none.ini").write_text(measure.PROFILE, newline="")
         for count in (50_000, 100_000, 200_000):
-            machine = folder / str(count)
-            describe_machine(machine, count)
-            pairs = [(run(hscope, machine, folder / "dump.ini", folder),
-                      run(hscope, machine, folder / "none.ini", folder)) for _ in range(runs)]
+            machine = str(count)
+            describe_machine(folder / machine, count)
+            pairs = [(measure.report_cost(hscope, machine, "dump.ini", folder),
+                      measure.report_cost(hscope, machine, "none.ini", folder))
+                     for _ in range(runs)]
             # The least is what the work takes; the rest is what else the machine did.
             least = [min(cost.milliseconds for cost in side) for side in zip(*pairs)]
             dump = least[0] - least[1]

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "scans/list_entry.h"
+#include "util/library.h"
 #include "util/paths.h"
 #include "util/text.h"
 
@@ -14,10 +15,9 @@ namespace {
 using PlugInFunction = unsigned char (*)(HANDLE report);
 
 // An entry without a function's name has none: the platform is asked for real names only.
-PlugInFunction FindPlugIn(HMODULE library, const char* name) {
+PlugInFunction FindPlugIn(const LoadedLibrary& library, const char* name) {
   if (name == nullptr || name[0] == '\0') return nullptr;
-  return reinterpret_cast<PlugInFunction>(
-      reinterpret_cast<void (*)()>(GetProcAddress(library, name)));
+  return library.Find<PlugInFunction>(name);
 }
 
 const char* StatusOf(PlugInFunction plug_in, ReportWriter& report) {
@@ -38,11 +38,11 @@ void RunEntry(ItemRun& run, char* entry) {
   char label[kFormattedSize];
   MakeLabel(entry, label);
   run.progress.AddProgressLine(label);
-  HMODULE const library = LoadLibraryA(entry);
+  LoadedLibrary library;
   const char* const status =
-      library == nullptr ? "Absent" : StatusOf(FindPlugIn(library, name), run.report);
+      library.Load(entry) ? StatusOf(FindPlugIn(library, name), run.report) : "Absent";
   run.progress.ReplaceWithStatus(label, status);
-  if (library != nullptr) FreeLibrary(library);
+  library.Release();
   // The library may have made another folder current, also one that could not be loaded.
   EnterFolder(run.program_folder);
 }

@@ -47,14 +47,14 @@ char* CutAtLastComma(char* text) {
 }
 
 RegistryPath ParseRegistryPath(char* entry) {
-  const char* const backslash = FindCharacter(entry, '\\');
+  char* const backslash = FindCharacter(entry, '\\');
   const Hive* const hive = FindHive(entry, backslash);
   if (hive == nullptr) return {};
   RegistryPath path;
   path.root = reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(hive->root));
   path.hive_name = hive->name;
   if (backslash != nullptr) {
-    path.subkey = entry + (backslash - entry) + 1;
+    path.subkey = backslash + 1;
     path.item = CutAtLastComma(path.subkey);
   }
   return path;

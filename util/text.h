@@ -55,6 +55,11 @@ inline void EndFormatted(std::span<char> area) {
   area[kFormattedSize - 1] = '\0';
 }
 
+// An answer as the report gives it.
+constexpr const char* YesOrNo(bool answer) {
+  return answer ? "Yes" : "No";
+}
+
 // Exact comparison, byte by byte.
 bool SameText(const char* first, const char* second);
 

@@ -26,9 +26,8 @@ class DirectMusic final : public CountedObject<IUnknown> {
 };
 
 const LayerLibrary kLibrary({.name = "OLE32.DLL",
-                             .exports = {{"CoCreateInstance", Export(&CoCreateInstance)},
-                                         {"CoInitialize", Export(&CoInitialize)},
-                                         {"CoUninitialize", Export(&CoUninitialize)}}});
+                             .exports = {HOST_EXPORT(CoCreateInstance), HOST_EXPORT(CoInitialize),
+                                         HOST_EXPORT(CoUninitialize)}});
 
 }  // namespace
 }  // namespace host

@@ -125,8 +125,8 @@ void AddSystemClasses(DesktopState& state) {
 // What is bound at run time, since the oldest Windows lacks it.
 const LayerLibrary kUser32({.name = "USER32.DLL",
                             .loaded_at_start = true,
-                            .exports = {{"GetClassInfoExA", Export(&GetClassInfoExA)},
-                                        {"RegisterClassExA", Export(&RegisterClassExA)}}});
+                            .exports = {HOST_EXPORT(GetClassInfoExA),
+                                        HOST_EXPORT(RegisterClassExA)}});
 
 LRESULT StaticProcedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
   if (message == WM_GETDLGCODE) return DLGC_STATIC;

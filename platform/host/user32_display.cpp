@@ -7,7 +7,7 @@ namespace {
 
 const LayerLibrary kUser32({.name = "USER32.DLL",
                             .loaded_at_start = true,
-                            .exports = {{"EnumDisplaySettingsA", Export(&EnumDisplaySettingsA)}}});
+                            .exports = {HOST_EXPORT(EnumDisplaySettingsA)}});
 
 HWND TheDesktopWindow() {
   return reinterpret_cast<HWND>(kDesktopWindow);

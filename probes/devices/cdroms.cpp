@@ -3,6 +3,7 @@
 #include "probes/devices/device_scanner.h"
 #include "probes/devices/record_list.h"
 #include "probes/devices/scsi_map.h"
+#include "util/text.h"
 
 namespace hostscope {
 namespace {
@@ -15,8 +16,7 @@ void WriteScannedCdroms(ItemRun& run, const RecordArray& cdroms) {
       run.report, kListName, cdroms,
       [has_letters](ReportWriter& report, char* label, const CdromRecord& cdrom) {
         report.WriteDeviceBlock(label, cdrom);
-        report.WriteFormatted(kTextFieldFormat, label, "Autorun",
-                              cdrom.autorun != 0 ? "Yes" : "No");
+        report.WriteFormatted(kTextFieldFormat, label, "Autorun", YesOrNo(cdrom.autorun != 0));
         if (has_letters)
           report.WriteFormatted(kTextFieldFormat, label, "Drive letters", cdrom.drive_letters);
         report.WriteText(kLineEnd);

@@ -2,6 +2,7 @@
 
 #include "util/com_object.h"
 #include "util/library.h"
+#include "util/number_text.h"
 #include "util/registry.h"
 #include "util/text.h"
 
@@ -25,9 +26,6 @@ using DirectDrawCreateFunction = HRESULT(WINAPI*)(GUID* driver, IDirectDraw** ma
                                                   IUnknown* outer);
 using DirectDrawCreateExFunction = HRESULT(WINAPI*)(GUID* driver, void** made, REFIID interface_id,
                                                     IUnknown* outer);
-
-constexpr char kDirectDraw[] = "DDRAW.DLL";
-constexpr char kDirectDrawCreate[] = "DirectDrawCreate";
 
 // COM on this thread, from its initialisation on until the object goes.
 class ComSession {
@@ -88,12 +86,12 @@ bool ReleaseDirectDraw(DirectXParts& parts) {
 // The checks.
 
 bool LoadDirectDraw(DirectXParts& parts) {
-  return parts.direct_draw_library.Load(kDirectDraw);
+  return parts.direct_draw_library.Load("DDRAW.DLL");
 }
 
 bool FindDirectDrawCreate(DirectXParts& parts) {
   parts.direct_draw_create =
-      parts.direct_draw_library.Find<DirectDrawCreateFunction>(kDirectDrawCreate);
+      parts.direct_draw_library.Find<DirectDrawCreateFunction>("DirectDrawCreate");
   return parts.direct_draw_create != nullptr;
 }
 
@@ -191,11 +189,7 @@ constexpr LadderRow kLadder[] = {
 constexpr std::uint32_t kVersionOfWholeLadder = 0x800;
 constexpr std::uint32_t kFirstWith3D = 0x500;
 
-struct VersionRow {
-  std::uint32_t version;
-  const char* text;
-};
-constexpr VersionRow kVersionTexts[] = {
+constexpr NumberText kVersionTexts[] = {
     {0, "No DirectX installed"},
     {0x100, "1"},
     {0x200, "2"},
@@ -221,10 +215,7 @@ std::uint32_t DetectDirectXVersion() {
 }
 
 const char* DirectXVersionText(std::uint32_t version) {
-  for (const VersionRow& row : kVersionTexts) {
-    if (row.version == version) return row.text;
-  }
-  return "Unknown version";
+  return TextOfNumber(kVersionTexts, version, "Unknown version");
 }
 
 std::uint32_t FormatDirectXVersion(std::span<char> text) {
@@ -266,7 +257,7 @@ bool WriteDirectXVersion(ItemRun& run) {
 bool Format3DAcceleration(ProbeContext&, std::span<char> text) {
   bool accelerated = false;
   if (!Has3DAcceleration(accelerated)) return false;
-  CopyText(text.data(), text.size(), accelerated ? "Yes" : "No");
+  CopyText(text.data(), text.size(), YesOrNo(accelerated));
   return true;
 }
 

@@ -164,7 +164,7 @@ bool WriteColors(ItemRun& run) {
 bool FormatLargeFont(ProbeContext&, std::span<char> text) {
   bool small_font = false;
   if (!IsSmallFont(small_font)) return false;
-  CopyText(text.data(), text.size(), small_font ? "No" : "Yes");
+  CopyText(text.data(), text.size(), YesOrNo(!small_font));
   return true;
 }
 

@@ -2,6 +2,7 @@
 
 #include "probes/devices/multimedia_capabilities.h"
 #include "probes/devices/record_list.h"
+#include "util/number_text.h"
 #include "util/text.h"
 
 namespace hostscope {
@@ -12,11 +13,7 @@ constexpr char kOutputs[] = "MIDI output";
 
 constexpr char kNumberFieldFormat[] = "%-27s%-15s:  %u\r\n";
 
-struct TechnologyRow {
-  unsigned number;
-  const char* text;
-};
-constexpr TechnologyRow kTechnologies[] = {
+constexpr NumberText kTechnologies[] = {
     {MOD_MIDIPORT, "MIDI hardware port"},     {MOD_SYNTH, "synthesizer"},
     {MOD_SQSYNTH, "square wave synthesizer"}, {MOD_FMSYNTH, "FM synthesizer"},
     {MOD_MAPPER, "Microsoft MIDI mapper"},
@@ -52,10 +49,7 @@ void WriteOutput(ReportWriter& report, char* label, const MidiOutRecord& device)
 }  // namespace
 
 const char* MidiTechnology(unsigned number) {
-  for (const TechnologyRow& row : kTechnologies) {
-    if (row.number == number) return row.text;
-  }
-  return "unknown";
+  return TextOfNumber(kTechnologies, number, "unknown");
 }
 
 bool ListMidiInputs(RecordArray& devices) {

@@ -1,6 +1,5 @@
 #include "probes/devices/video_codecs.h"
 
-#include <cstddef>
 #include <cstring>
 
 #include "probes/devices/record_list.h"

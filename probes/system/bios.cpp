@@ -6,9 +6,6 @@
 namespace hostscope {
 namespace {
 
-// As Windows reads its own device tree: querying, enumerating, notification, reading of security.
-constexpr DWORD kReadAccess = 0x20019;
-
 struct BiosFacts {
   OwnedText version;
   OwnedText date;
@@ -23,31 +20,26 @@ BiosFacts ReadNtBios() {
 
 // The first subkey of the device that has a version.
 BiosFacts ReadDeviceBios(const RegistryKey& device) {
-  SubkeyNames instances(device);
-  while (const char* const name = instances.Next()) {
-    const RegistryKey instance = RegistryKey::Open(device.get(), name, kReadAccess);
-    if (!instance.open()) continue;
-    OwnedText version = ReadRegistryValue(instance.get(), "BIOSVersion").AsText();
-    if (version.present()) {
-      return {static_cast<OwnedText&&>(version),
-              ReadRegistryValue(instance.get(), "BIOSDate").AsText()};
-    }
-  }
-  return {};
+  BiosFacts facts;
+  ForEachSubkey(device, [&facts](const char*, const RegistryKey& instance) {
+    facts.version = ReadRegistryValue(instance.get(), "BIOSVersion").AsText();
+    if (!facts.version.present()) return true;
+    facts.date = ReadRegistryValue(instance.get(), "BIOSDate").AsText();
+    return false;
+  });
+  return facts;
 }
 
 // On Windows 95/98/Me the BIOS is one of the devices that no bus enumerates.
 BiosFacts ReadWindows9xBios() {
-  const RegistryKey root = RegistryKey::Open(HKEY_LOCAL_MACHINE, "Enum\\Root", kReadAccess);
-  if (!root.open()) return {};
-  SubkeyNames devices(root);
-  while (const char* const name = devices.Next()) {
-    const RegistryKey device = RegistryKey::Open(root.get(), name, kReadAccess);
-    if (!device.open()) continue;
-    BiosFacts facts = ReadDeviceBios(device);
-    if (facts.version.present()) return facts;
-  }
-  return {};
+  BiosFacts facts;
+  const RegistryKey root = OpenMachineKey({"Enum\\Root"}, KEY_READ);
+  if (!root.open()) return facts;
+  ForEachSubkey(root, [&facts](const char*, const RegistryKey& device) {
+    facts = ReadDeviceBios(device);
+    return !facts.version.present();
+  });
+  return facts;
 }
 
 }  // namespace

@@ -73,7 +73,7 @@ std::uint32_t ReadStatedMegahertz(unsigned index) {
 }
 
 bool WriteAnswer(std::span<char> text, bool answer) {
-  CopyText(text.data(), text.size(), answer ? "Yes" : "No");
+  CopyText(text.data(), text.size(), YesOrNo(answer));
   return true;
 }
 

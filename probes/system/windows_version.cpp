@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "util/number_text.h"
 #include "util/registry.h"
 #include "util/text.h"
 
@@ -45,11 +46,7 @@ constexpr NtReleaseRow kNtReleases[] = {
 constexpr NtReleaseRow kOtherNtRelease = {0, 0, "", ProductSource::kRecord};
 
 // The product words carry their own trailing blank, so that an absent one leaves none behind.
-struct ProductTypeRow {
-  BYTE type;
-  const char* product;
-};
-constexpr ProductTypeRow kProductTypes[] = {
+constexpr NumberText kProductTypes[] = {
     {1, "Professional "}, {2, "Domain controller "}, {3, "Server "}};
 
 struct RegistryProductRow {
@@ -91,10 +88,7 @@ const NtReleaseRow& NtRelease(const OSVERSIONINFOEXA& record) {
 
 const char* RecordProduct(const WindowsVersionFacts& facts) {
   if (!facts.extended) return "";
-  for (const ProductTypeRow& row : kProductTypes) {
-    if (facts.record.wProductType == row.type) return row.product;
-  }
-  return "";
+  return TextOfNumber(kProductTypes, facts.record.wProductType, "");
 }
 
 const char* RegistryProduct(const WindowsVersionFacts& facts) {
