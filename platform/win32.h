@@ -24,7 +24,10 @@
 #include <setupapi.h>
 #include <shellapi.h>
 #include <shlobj.h>
+#include <tlhelp32.h>
 #include <vfw.h>
+#include <winsock.h>
+#include <winspool.h>
 
 #else
 

@@ -25,6 +25,10 @@ struct Fact {
 // The rows of single subjects, in the order of the description.
 std::span<const Fact> DisplayFacts();
 std::span<const Fact> MultimediaFacts();
+std::span<const Fact> NetworkFacts();
+std::span<const Fact> DiskFacts();
+std::span<const Fact> PrinterFacts();
+std::span<const Fact> ProcessFacts();
 
 // Decimal, or hexadecimal after "0x". Anything else, or a number above the limit, is absent.
 std::optional<std::uint64_t> Number(std::string_view text,

@@ -14,6 +14,7 @@
 
 #include "platform/host/com_threads.h"
 #include "platform/host/desktop.h"
+#include "platform/host/disks.h"
 #include "platform/host/display.h"
 #include "platform/host/dll_version.h"
 #include "platform/host/faults.h"
@@ -23,7 +24,10 @@
 #include "platform/host/libraries.h"
 #include "platform/host/mail.h"
 #include "platform/host/multimedia.h"
+#include "platform/host/network.h"
 #include "platform/host/plug_ins.h"
+#include "platform/host/printers.h"
+#include "platform/host/processes.h"
 #include "platform/host/registry.h"
 #include "platform/host/windows_types.h"
 
@@ -111,6 +115,10 @@ struct Machine {
   ComThreads com_threads;
   Joysticks joysticks;
   Multimedia multimedia;
+  Network network;
+  Disks disks;
+  Printers printers;
+  Processes processes;
   HandleTable handles;
   Faults faults;
   // Gets what OutputDebugStringA hands on, on the calling thread; empty: nobody listens.

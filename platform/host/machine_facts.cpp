@@ -326,7 +326,8 @@ const std::vector<Fact>& AllFacts() {
   static const std::vector<Fact> facts = [] {
     std::vector<Fact> all;
     for (const std::span<const Fact> group :
-         {std::span<const Fact>(kOwnFacts), DisplayFacts(), MultimediaFacts()})
+         {std::span<const Fact>(kOwnFacts), DisplayFacts(), MultimediaFacts(), NetworkFacts(),
+          DiskFacts(), PrinterFacts(), ProcessFacts()})
       all.insert(all.end(), group.begin(), group.end());
     return all;
   }();

@@ -1,0 +1,10 @@
+// The processes that run on the machine.
+#pragma once
+
+#include "platform/host/windows_types.h"
+
+namespace host {
+
+struct Processes {};
+
+}  // namespace host
