@@ -92,3 +92,20 @@ if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
     target_link_libraries(contract_tests PRIVATE GTest::gtest_main version winmm msacm32 msvfw32)
   endif()
 endif()
+
+# A kernel for the emulator, with the exe's own object code for controller ports in it. The emulator
+# takes the file as the memory it is.
+function(add_ports_kernel)
+  file(GLOB sources CONFIGURE_DEPENDS tests/emulated/*.cpp)
+  add_freestanding_objects(ports_kernel_objects ${sources})
+  set(shipped "platform/windows/(ports|memory)[.]cpp|ata_identify[.]cpp")
+  add_executable(ports_kernel $<TARGET_OBJECTS:ports_kernel_objects>
+                 $<FILTER:$<TARGET_OBJECTS:hscope_objects>,INCLUDE,${shipped}>)
+  set_target_properties(ports_kernel PROPERTIES LINKER_LANGUAGE CXX)
+  target_link_options(ports_kernel PRIVATE -nostdlib -nostartfiles -static -Wl,--entry=boot
+                      -Wl,--image-base=0x100000 -Wl,--gc-sections -Wl,--disable-reloc-section)
+  add_custom_command(TARGET ports_kernel POST_BUILD BYPRODUCTS ports_kernel.bin VERBATIM
+    COMMAND ${CMAKE_OBJCOPY} -O binary --set-section-flags .bss=alloc,load,contents
+            $<TARGET_FILE:ports_kernel> ports_kernel.bin)
+endfunction()
+add_ports_kernel()

@@ -95,6 +95,7 @@ bool IsEmpty(const volatile Descriptor& descriptor) {
 struct GateSite {
   TableRegister table;
   volatile Descriptor* slot;  // null for none
+  const volatile Descriptor* code;
   std::uint16_t slot_selector;
   std::uint16_t code_selector;
 };
@@ -115,11 +116,12 @@ GateSite SearchTable(TableRegister table) {
     if (IsEmpty(descriptor)) {
       free_slot = &descriptor;
       site.slot_selector = static_cast<std::uint16_t>(selector | kSelectorLevel);
-    } else if (IsFlatCode(descriptor) && site.code_selector == 0) {
+    } else if (IsFlatCode(descriptor) && site.code == nullptr) {
+      site.code = &descriptor;
       site.code_selector = static_cast<std::uint16_t>(selector);
     }
   }
-  if (site.code_selector != 0) site.slot = free_slot;
+  if (site.code != nullptr) site.slot = free_slot;
   return site;
 }
 
@@ -144,12 +146,14 @@ GateSite FindSite() {
 // As found for the last transfer; only the thread that writes the report asks for transfers.
 constinit GateSite known_site{};
 
+bool StillStands(const GateSite& site) {
+  return site.slot != nullptr && ReadTableRegister() == site.table && IsEmpty(*site.slot) &&
+         IsFlatCode(*site.code);
+}
+
 // Whether a gate can be placed. Looks through the table only when the known site is none any more.
 bool HaveSite() {
-  if (known_site.slot == nullptr || ReadTableRegister() != known_site.table ||
-      !IsEmpty(*known_site.slot)) {
-    known_site = FindSite();
-  }
+  if (!StillStands(known_site)) known_site = FindSite();
   return known_site.slot != nullptr;
 }
 
