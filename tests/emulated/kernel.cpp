@@ -165,6 +165,7 @@ constexpr Descriptor kEveryTable[] = {
     {0x0000FFFF, 0x00CF7300},  // 88: the program's data, swapped out
     {0x000002FF, 0x0040F304},  // 90: small data
     {0x00000000, 0x0000E800},  // 98: reserved
+    {0x10000067, 0x0000EB00},  // A0: a busy task
 };
 constexpr Descriptor kTaken{0x0000FFFE, 0x00009300};  // bit 0 is clear, as in a free slot
 
@@ -290,7 +291,8 @@ void LookAfterStep(const Frame& frame) {
   const Descriptor last{table.slots[kSlots - 1].low, table.slots[kSlots - 1].high};
   const bool is_valid = (last.high & 0x8000) != 0;
   if (steps.intruded) {
-    steps.spoiled |= last.high != kTaken.high;
+    // Who wants the slot as well may touch its lowest bit for a moment.
+    steps.spoiled |= (last.low | 1) != (kTaken.low | 1) || last.high != kTaken.high;
   } else if (is_valid && (last.low >> 16 != 0x28 || (last.high & 0xFFFF) != 0xEC00)) {
     steps.half_gates = true;
   }
@@ -352,6 +354,8 @@ void Serve(Frame& frame) {
       return;
     case Service::kEndSteps:
       frame.flags &= ~kStepFlag;
+      stepping.steps.spoiled |=
+          stepping.steps.intruded && table.slots[kSlots - 1].low != kTaken.low;
       *static_cast<Steps*>(argument) = stepping.steps;
       return;
     case Service::kTimerRuns:

@@ -152,9 +152,9 @@ void ShowTakenSlot() {
   PrepareTable({});
   ShowAttempts("slot free");
   TakeLastSlot(true);
-  static_cast<void>(TryPorts());
-  TakeLastSlot(false);
   ShowAttempts("slot taken");
+  TakeLastSlot(false);
+  ShowAttempts("slot free again");
 }
 
 // The kernel takes the slot after the first, the second, ... instruction of a transfer, until the
