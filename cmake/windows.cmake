@@ -79,6 +79,12 @@ if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
     add_version_dll(v_silent "" ${VERSION_RESOURCE})
     add_version_dll(v_bare VERSION_SIZES=0)
 
+    # The way to controller ports by itself.
+    add_ordinary_exe(ports_attempt tests/windows/ports_attempt/ports_attempt.cpp
+      $<FILTER:$<TARGET_OBJECTS:hscope_objects>,INCLUDE,platform/windows/ports[.]cpp>)
+    target_link_options(ports_attempt PRIVATE -mwindows)
+    add_dependencies(exe_tests ports_attempt)
+
     # Stands in for a library that the program looks for on Windows 95/98/Me.
     add_library(rsrc32 SHARED tests/windows/libraries/rsrc32.cpp)
     set_target_properties(rsrc32 PROPERTIES PREFIX "")
