@@ -171,17 +171,18 @@ bool ClaimSlot(volatile Descriptor& slot) {
 }
 
 // The half that makes it valid goes last when it is placed, and first when it is cleared.
-bool PlaceGate(const GateSite& site, std::uint32_t routine) {
-  volatile Descriptor& slot = *site.slot;
+bool PlaceGate(volatile Descriptor& slot, const Descriptor& gate) {
   if (!ClaimSlot(slot)) return false;
-  slot.low = static_cast<std::uint32_t>(site.code_selector) << 16 | (routine & 0xFFFF);
-  slot.high = (routine & 0xFFFF0000) | kGateForPrograms;
+  slot.low = gate.low;
+  slot.high = gate.high;
   return true;
 }
 
-void ClearGate(const GateSite& site) {
-  site.slot->high = 0;
-  site.slot->low = 0;
+// What is no gate of ours any more has been given away by the system meanwhile.
+void ClearGate(volatile Descriptor& slot, const Descriptor& gate) {
+  if (slot.low != gate.low || slot.high != gate.high) return;
+  slot.high = 0;
+  slot.low = 0;
 }
 
 // --- The transfers ---
@@ -232,11 +233,14 @@ bool Transfer(void (*routine)(), std::uint16_t port, std::uint32_t& value) {
   const auto address = reinterpret_cast<std::uint32_t>(routine);
   // Brings the routine's page in, which can't be done any more while it runs in kernel mode.
   static_cast<void>(*reinterpret_cast<const volatile std::uint8_t*>(address));
-  if (!PlaceGate(known_site, address)) return false;
+  const Descriptor gate{
+      static_cast<std::uint32_t>(known_site.code_selector) << 16 | (address & 0xFFFF),
+      (address & 0xFFFF0000) | kGateForPrograms};
+  if (!PlaceGate(*known_site.slot, gate)) return false;
   const bool is_live =
       (ReadAccessRights(known_site.slot_selector) & kRightsMask) == kGateForPrograms;
   if (is_live) CallGate(known_site.slot_selector, port, value);
-  ClearGate(known_site);
+  ClearGate(*known_site.slot, gate);
   return is_live;
 }
 

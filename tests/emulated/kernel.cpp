@@ -296,7 +296,10 @@ void LookAfterStep(const Frame& frame) {
   } else if (is_valid && (last.low >> 16 != 0x28 || (last.high & 0xFFFF) != 0xEC00)) {
     steps.half_gates = true;
   }
-  if (++steps.count == intrude_after && last.low == 0 && last.high == 0) {
+  const bool is_free = last.low == 0 && last.high == 0;
+  ++steps.count;
+  if (intrude_after == kOnceAGateStands ? is_valid && !steps.intruded
+                                        : is_free && steps.count == intrude_after) {
     SetSlot(table, kSlots - 1, kTaken);
     steps.intruded = true;
   }

@@ -41,7 +41,8 @@ TableState ExamineTable();
 // The system gives the last slot of the table to something else, or takes it back.
 void TakeLastSlot(bool taken);
 // From here to EndSteps the kernel looks at the table after every instruction, and after that
-// number of them it takes the last slot if that is free.
+// number of them it takes the last slot if that is free, or else as soon as a gate stands in it.
+constexpr std::uint32_t kOnceAGateStands = 0xFFFFFFFF;
 void BeginSteps(std::uint32_t intrude_after);
 Steps EndSteps();
 bool TimerRuns();

@@ -90,6 +90,7 @@ TABLES = {
     "slot free": REACHED,
     "slot taken": "byte yes, word yes, write yes; table written yes, as before no",
     "slot free again": REACHED,
+    "robbery": "intruded yes, byte no, spoiled no, as before yes",
     "ordinary table": REACHED,
     "code elsewhere": REACHED,
     "nt": UNTOUCHED,

@@ -181,6 +181,18 @@ void ShowIntrusions() {
   PutLine("intrusions: ", intrusions, ", transfers refused ", refused, ", well ", YesOrNo(is_well));
 }
 
+// The kernel does not care what stands in the slot.
+void ShowRobbery() {
+  PrepareTable({});
+  std::uint8_t byte = 0;
+  BeginSteps(kOnceAGateStands);
+  const bool reached = ReadPortByte(kConsole, byte);
+  const Steps steps = EndSteps();
+  TakeLastSlot(false);
+  PutLine("robbery: intruded ", YesOrNo(steps.intruded), ", byte ", YesOrNo(reached), ", spoiled ",
+          YesOrNo(steps.spoiled), ", as before ", YesOrNo(ExamineTable().is_as_before));
+}
+
 }  // namespace
 
 void RunProgram(const char* words) {
@@ -190,6 +202,7 @@ void RunProgram(const char* words) {
     ShowWithoutGate();
     ShowTakenSlot();
     ShowIntrusions();
+    ShowRobbery();
     ShowTables();
   }
   PutLine("timer: ", YesOrNo(TimerRuns()));
