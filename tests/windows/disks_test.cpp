@@ -23,7 +23,14 @@ constexpr char kOldDevices[] = "Enum\\";
 // In the SCSI map, which NT reads, and among the devices, where Windows 95/98/Me has its own keys.
 struct SeededDisk {
   SeededDisk() {
-    PutTexts(kScsiUnit, {{"Type", "DISKPERIPHERAL"}, {"Identifier", "SCSI DISK  0001"}});
+    // The system makes the map anew at each start, and takes no lasting key into it.
+    HKEY unit = nullptr;
+    EXPECT_EQ(RegCreateKeyExA(HKEY_LOCAL_MACHINE, kScsiUnit, 0, nullptr, REG_OPTION_VOLATILE,
+                              KEY_ALL_ACCESS, nullptr, &unit, nullptr),
+              ERROR_SUCCESS);
+    RegSetKeyValueA(unit, nullptr, "Type", REG_SZ, "DISKPERIPHERAL", 15);
+    RegSetKeyValueA(unit, nullptr, "Identifier", REG_SZ, "SCSI DISK  0001", 16);
+    RegCloseKey(unit);
     PutTexts(kClasses + kDiskClass, {{"Class", "DiskDrive"}});
     PutTexts(kNtDevices + kDiskId, {{"ClassGUID", kDiskClass}, {"DeviceDesc", "not this"}});
     PutTexts(kOldDevices + kDiskId, {{"DeviceDesc", "A disk"}});
