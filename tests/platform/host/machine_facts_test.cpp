@@ -294,6 +294,7 @@ TEST(MachineFacts, WhatIsWrong) {
       {"Primary master=packet \"\" \"\" \"123456789\"", "IdeDrives",
        "7: Primary master: the value does not end with model, serial number and revision"},
       {"0=other\n0x0=other", "PhysicalDrives", "8: 0x0: the drive's number stands twice"},
+      {"3=Secondary slave", "PhysicalDrives", "0: [PhysicalDrives] 3: there is no such IDE drive"},
       {"c=fixed", "Drives", "7: c: the key is no letter from A to Z"},
       {"C=floppy 8 KB", "Drives", "7: C: there is no such type of drive"},
       {"C=fixed, FAT, 6, 8/512, 1", "Drives", "7: C: behind the type there are no file system"},
