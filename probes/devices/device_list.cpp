@@ -36,6 +36,10 @@ constinit const DeviceList kMouse = {"Mouse", "Mouse", sizeof(DeviceRecord)};
 constinit const DeviceList kKeyboard = {"Keyboard", "Keyboard", sizeof(DeviceRecord)};
 constinit const DeviceList kModems = {"Modems", "Modem", sizeof(ModemRecord), "Port", AttachedTo};
 constinit const DeviceList kPorts = {"Ports", "Ports", sizeof(PortRecord), "Port name", PortName};
+constinit const DeviceList kFloppyControllers = {"FDC", "fdc", sizeof(DeviceRecord)};
+constinit const DeviceList kDiskControllers = {"HDC", "hdc", sizeof(DeviceRecord)};
+constinit const DeviceList kScsiAdapters = {"SCSI", "SCSIAdapter", sizeof(DeviceRecord)};
+constinit const DeviceList kUsbControllers = {"USB", "USB", sizeof(DeviceRecord)};
 
 bool WriteDeviceList(ItemRun& run, const DeviceList& list) {
   RecordArray records;
