@@ -1,0 +1,26 @@
+// The items of the network section.
+#pragma once
+
+#include <span>
+
+#include "report/item.h"
+
+namespace hostscope {
+
+// The texts of the list with ", " between each two, in its order. Of a list that is longer than the
+// area, as many whole texts as fit.
+void JoinTexts(const StringList& texts, std::span<char> area);
+
+// The items. The sockets are started and stopped by steps of the section.
+void StartSocketsForSection(ItemRun& run);
+void StopSocketsOfSection(ItemRun& run);
+bool WriteWindowsSockets(ItemRun& run);
+bool ReadDomainName(ProbeContext& context, std::span<char> text);
+bool WriteHostAliases(ItemRun& run);
+bool WriteHostAddresses(ItemRun& run);
+bool WriteNetClients(ItemRun& run);
+bool WriteNetServices(ItemRun& run);
+// The name of the mail client in the registry, else "none"; never fails.
+bool ReadDefaultEmailClient(ProbeContext& context, std::span<char> text);
+
+}  // namespace hostscope
