@@ -12,6 +12,23 @@
 namespace hostscope {
 namespace {
 
+// The texts of the list with ", " between each two, in its order. Of a list that is longer than the
+// area, as many whole texts as fit.
+void JoinTexts(const StringList& texts, std::span<char> area) {
+  constexpr char kBetween[] = ", ";
+  std::size_t length = 0;
+  for (int i = 0; i < texts.count(); ++i) {
+    const char* const between = i == 0 ? "" : kBetween;
+    const std::size_t between_length = TextLength(between);
+    const std::size_t text_length = TextLength(texts.Get(i));
+    if (area.size() - 1 - length < between_length + text_length) break;
+    std::memcpy(area.data() + length, between, between_length);
+    std::memcpy(area.data() + length + between_length, texts.Get(i), text_length);
+    length += between_length + text_length;
+  }
+  area[length] = '\0';
+}
+
 // A list of one line: its label, and all texts behind it.
 bool WriteJoinedList(ItemRun& run, const char* list_name,
                      bool (*collect)(const ProbeContext& context, const char* host_name,
@@ -49,21 +66,6 @@ bool WriteComponents(ItemRun& run, const char* list_name, const char* class_name
 }
 
 }  // namespace
-
-void JoinTexts(const StringList& texts, std::span<char> area) {
-  constexpr char kBetween[] = ", ";
-  std::size_t length = 0;
-  for (int i = 0; i < texts.count(); ++i) {
-    const char* const between = i == 0 ? "" : kBetween;
-    const std::size_t between_length = TextLength(between);
-    const std::size_t text_length = TextLength(texts.Get(i));
-    if (area.size() - 1 - length < between_length + text_length) break;
-    std::memcpy(area.data() + length, between, between_length);
-    std::memcpy(area.data() + length + between_length, texts.Get(i), text_length);
-    length += between_length + text_length;
-  }
-  area[length] = '\0';
-}
 
 void StartSocketsForSection(ItemRun& run) {
   StartSockets(run.context);

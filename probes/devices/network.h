@@ -7,10 +7,6 @@
 
 namespace hostscope {
 
-// The texts of the list with ", " between each two, in its order. Of a list that is longer than the
-// area, as many whole texts as fit.
-void JoinTexts(const StringList& texts, std::span<char> area);
-
 // The items. The sockets are started and stopped by steps of the section.
 void StartSocketsForSection(ItemRun& run);
 void StopSocketsOfSection(ItemRun& run);
