@@ -186,6 +186,9 @@ void Place::InstallPrinter(const std::string& name, const std::string& port, DWO
   SetMachineText(key, "Name", name);
   SetMachineText(key, "Port", port);
   SetMachineText(key, "Printer Driver", "Driver");
+  // Nothing is printed, but a printer without these two is not opened.
+  SetMachineText(key, "Print Processor", "winprint");
+  SetMachineText(key, "Datatype", "RAW");
   EXPECT_EQ(ERROR_SUCCESS, RegSetKeyValueA(HKEY_LOCAL_MACHINE, key.c_str(), "Attributes", REG_DWORD,
                                            &attributes, sizeof attributes));
 }
@@ -347,7 +350,7 @@ void Place::SetMachineText(std::string_view key, std::string_view name, std::str
 }
 
 void Place::InstallPrinter(const std::string& name, const std::string& port, DWORD attributes) {
-  parts_->machine.printers.installed.push_back({name, port, {}, "", attributes, 0});
+  parts_->machine.printers.installed.push_back({name, port, {}, {}, attributes, 0});
 }
 
 void Place::SetDefaultDevice(const std::string& setting) {
