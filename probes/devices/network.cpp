@@ -5,7 +5,6 @@
 #include "probes/devices/device_scanner.h"
 #include "probes/devices/record_list.h"
 #include "probes/devices/windows_sockets.h"
-#include "probes/system/user.h"
 #include "util/registry.h"
 #include "util/text.h"
 
@@ -83,13 +82,6 @@ bool WriteWindowsSockets(ItemRun& run) {
   run.report.WriteFormatted(kTextFieldFormat, "", "Description", sockets.description);
   run.report.WriteFormatted(kTextFieldFormat, "", "Status", sockets.status);
   return true;
-}
-
-bool ReadDomainName(ProbeContext& context, std::span<char> text) {
-  TokenAccount account;
-  const bool found = LookupTokenAccount(context, account);
-  CopyText(text.data(), text.size(), account.domain);
-  return found;
 }
 
 bool WriteHostAliases(ItemRun& run) {

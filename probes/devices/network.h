@@ -11,7 +11,6 @@ namespace hostscope {
 void StartSocketsForSection(ItemRun& run);
 void StopSocketsOfSection(ItemRun& run);
 bool WriteWindowsSockets(ItemRun& run);
-bool ReadDomainName(ProbeContext& context, std::span<char> text);
 bool WriteHostAliases(ItemRun& run);
 bool WriteHostAddresses(ItemRun& run);
 bool WriteNetClients(ItemRun& run);

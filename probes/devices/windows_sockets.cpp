@@ -24,13 +24,6 @@ struct OwnHostName {
   static constexpr int kRoom = sizeof text - 1;
 };
 
-// A field of the start-up record, which need not be terminated within it.
-template <std::size_t kSize>
-void KeepText(char (&kept)[kSize], char (&field)[kSize]) {
-  field[kSize - 1] = '\0';
-  CopyText(kept, field);
-}
-
 bool GetOwnHostName(const WindowsSocketsState& sockets, OwnHostName& name) {
   return sockets.started && sockets.Get<HostNameFunction>(SocketsFunction::kGetHostName)(
                                 name.text, OwnHostName::kRoom) == 0;
@@ -73,8 +66,11 @@ bool StartSockets(ProbeContext& context) {
   sockets.started = true;
   wsprintfA(sockets.version, "%u.%u", static_cast<unsigned>(LOBYTE(data.wHighVersion)),
             static_cast<unsigned>(HIBYTE(data.wHighVersion)));
-  KeepText(sockets.description, data.szDescription);
-  KeepText(sockets.status, data.szSystemStatus);
+  // Of one size, so that the copy of a field without a terminator ends with it.
+  static_assert(sizeof sockets.description == sizeof data.szDescription &&
+                sizeof sockets.status == sizeof data.szSystemStatus);
+  CopyText(sockets.description, data.szDescription);
+  CopyText(sockets.status, data.szSystemStatus);
   return true;
 }
 

@@ -77,4 +77,11 @@ bool ReadUserName(ProbeContext& context, std::span<char> text) {
   return true;
 }
 
+bool ReadDomainName(ProbeContext& context, std::span<char> text) {
+  TokenAccount account;
+  const bool found = LookupTokenAccount(context, account);
+  CopyText(text.data(), text.size(), account.domain);
+  return found;
+}
+
 }  // namespace hostscope

@@ -28,4 +28,7 @@ bool ReadComputerName(ProbeContext& context, std::span<char> text);
 // The token's account name, else the name the user logged on with; false when there is neither.
 bool ReadUserName(ProbeContext& context, std::span<char> text);
 
+// The domain of the token's account; false, the text empty, when there is none.
+bool ReadDomainName(ProbeContext& context, std::span<char> text);
+
 }  // namespace hostscope

@@ -37,6 +37,16 @@ void ReportRun::Run(std::string_view profile) {
   ReportWorker(*state_, *settings_, progress);
 }
 
+std::string ReportRun::SqueezedSection() const {
+  std::string text;
+  for (const char character : LastSection()) {
+    if (character == '\n') text += '|';
+    if (character != '\n' && character != '\r' && !(character == ' ' && text.ends_with(' ')))
+      text += character;
+  }
+  return text;
+}
+
 void ReportRun::RunItems(std::initializer_list<Item> items) {
   ProgressLines progress(list_);
   ReportWriter report(state_->report_path.c_str());

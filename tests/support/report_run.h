@@ -39,6 +39,8 @@ class ReportRun {
     const std::size_t rule = report.rfind("=\r\n\r\n");
     return rule == std::string::npos ? "no banner" : report.substr(rule + 5);
   }
+  // The same with runs of blanks made one and each line ended by "|".
+  std::string SqueezedSection() const;
   std::vector<std::string> Progress() const { return machine_.desktop.ListLines(list_); }
 
  private:

@@ -193,6 +193,39 @@ Connected=1, 0
   }
 }
 
+TEST(MachineFacts, NetworkAndPrinters) {
+  Machine machine;
+  ASSERT_EQ(State(kVersion + R"([Sockets]
+Version=1.255
+[Hosts]
+a=
+b=10.0.0.255,1.2.3.4 also c, d
+[Printers]
+\\S\P=P:
+Q=LPT1:, shared, network, server \\S, denied 5, 0x800
+R=LPT2:, local, default, shared R 2
+)",
+                  machine),
+            "");
+  EXPECT_EQ(machine.network.version, 0xFF01);
+  const NetworkHost& host = machine.network.hosts.at(1);
+  EXPECT_EQ(host.addresses, (std::vector<InternetAddress>{{10, 0, 0, 255}, {1, 2, 3, 4}}));
+  EXPECT_EQ(host.aliases, (std::vector<std::string>{"c", "d"}));
+  std::string printers;
+  for (const Printer& one : machine.printers.installed)
+    printers += one.name + "|" + one.port.value_or("-") + "|" + one.server.value_or("-") + "|" +
+                one.share_name.value_or("-") + "|" + std::to_string(one.attributes) + "|" +
+                std::to_string(one.open_error) + ";";
+  EXPECT_EQ(printers, "\\\\S\\P|P:|-|-|0|0;Q|LPT1:|\\\\S||2072|5;R|LPT2:|-|R 2|76|0;");
+  for (const char* const wrong :
+       {"[Sockets]\nVersion=1\n", "[Sockets]\nVersion=1.256\n", "[Hosts]\na=1.2.3\n",
+        "[Hosts]\na=1.2.3.256\n", "[Printers]\na=P, denied\n", "[Printers]\na=P, server\n",
+        "[Printers]\na=P, local x\n", "[Printers]\na=P, other\n"}) {
+    Machine other;
+    EXPECT_TRUE(State(kVersion + wrong, other).starts_with("7: ")) << wrong;
+  }
+}
+
 TEST(MachineFacts, TheCurrentUsersKey) {
   const struct {
     std::string ini;

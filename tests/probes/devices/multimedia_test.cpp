@@ -53,12 +53,7 @@ TEST(MidiDevices, TechnologyNumbers) {
 // The lines below the banner, ended by "|", runs of blanks made one, and the last item's status
 // word behind them.
 std::string Squeezed(ReportRun& run) {
-  std::string text;
-  for (const char character : run.LastSection()) {
-    if (character == '\n') text += '|';
-    if (character != '\n' && character != '\r' && !(character == ' ' && text.ends_with(' ')))
-      text += character;
-  }
+  std::string text = run.SqueezedSection();
   text.pop_back();  // the empty line of the network section
   return text + run.Progress().back().substr(25);
 }
