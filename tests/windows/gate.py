@@ -352,7 +352,7 @@ def main():
     parser.add_argument("--imports", type=pathlib.Path, default=HERE / "allowed_imports.tsv")
     parser.add_argument("--instructions", type=pathlib.Path,
                         default=HERE / "allowed_instructions.tsv")
-    parser.add_argument("--max-size", type=int, default=98304)
+    parser.add_argument("--max-size", type=int, default=131071)
     parser.add_argument("--same", type=pathlib.Path)
     options = parser.parse_args()
     try:
