@@ -7,6 +7,7 @@
 #include "probes/devices/display.h"
 #include "probes/devices/joysticks.h"
 #include "probes/devices/midi_devices.h"
+#include "probes/devices/processes.h"
 #include "probes/devices/video_codecs.h"
 #include "probes/devices/wave_devices.h"
 #include "probes/system/bios.h"
@@ -210,6 +211,12 @@ constexpr Item kPortItems[] = {
      .write_lines = WriteDevices<kPorts>},
 };
 
+constexpr Item kProcessItems[] = {
+    {.progress_label = "Processes...",
+     .switches = kAnyOf<&Settings::processes>,
+     .write_lines = WriteProcesses},
+};
+
 constexpr Item kRegistryItems[] = {
     {.progress_label = "Registry keys...", .write_lines = WriteRegistryKeys},
 };
@@ -246,7 +253,7 @@ constexpr Section kSections[] = {
     {.banner = "DISK CONTROLLERS", .profile_section = "DISK CONTROLLER"},
     {.banner = "USB CONTROLLERS", .profile_section = "USB"},
     {.banner = "PRINTERS", .profile_section = "PRINTER"},
-    {.banner = "PROCESSES", .profile_section = "PROCESS"},
+    {.banner = "PROCESSES", .profile_section = "PROCESS", .items = kProcessItems},
     {.banner = "DLLS VERSIONS", .list = &Settings::dlls, .items = kDllItems},
     {.banner = "REGISTRY KEYS", .list = &Settings::registry_keys, .items = kRegistryItems},
     // The scan that appends to the folders below; it has no banner.

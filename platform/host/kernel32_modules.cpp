@@ -85,16 +85,23 @@ const LayerLibrary kKernel32({.name = "KERNEL32.DLL",
                                           HOST_EXPORT(lstrcpynA),
                                           HOST_EXPORT(lstrlenA)}});
 
-// Functions of KERNEL32 that older releases of NT, and Windows 95/98/Me, do not have.
+// Functions of KERNEL32 that older releases of NT, and perhaps Windows 95/98/Me, do not have.
 struct YoungFunction {
   std::string_view name;
   DWORD nt_major;
+  bool only_nt = false;
 };
-constexpr YoungFunction kYoungFunctions[] = {{"GlobalMemoryStatusEx", 5}};
+constexpr YoungFunction kYoungFunctions[] = {{"CreateToolhelp32Snapshot", 5},
+                                             {"GlobalMemoryStatusEx", 5, true},
+                                             {"Module32First", 5},
+                                             {"Module32Next", 5},
+                                             {"Process32First", 5},
+                                             {"Process32Next", 5}};
 
 bool IsTooYoung(const Machine& machine, std::string_view name) {
   for (const YoungFunction& young : kYoungFunctions) {
-    if (name == young.name) return !machine.IsNt() || machine.version.major < young.nt_major;
+    if (name != young.name) continue;
+    return machine.IsNt() ? machine.version.major < young.nt_major : young.only_nt;
   }
   return false;
 }
