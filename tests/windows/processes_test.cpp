@@ -108,7 +108,7 @@ class ProcessesOnEveryRelease : public EveryRelease {};
 
 TEST_P(ProcessesOnEveryRelease, AreAsToolHelpFindsThem) {
   const bool is_nt = GetParam().has_tokens;
-  const Sleeper idle(IDLE_PRIORITY_CLASS), above_normal(ABOVE_NORMAL_PRIORITY_CLASS);
+  const Sleeper idle(IDLE_PRIORITY_CLASS), below_normal(BELOW_NORMAL_PRIORITY_CLASS);
   Listing listing;
   // The system's own processes come and go.
   for (int again = 0; again < 5 && listing.Processes() != listing.running; ++again)
@@ -117,7 +117,7 @@ TEST_P(ProcessesOnEveryRelease, AreAsToolHelpFindsThem) {
   const std::string& section = listing.section;
   EXPECT_NE(section.find(Block(idle, "idle (0x40)", is_nt)), section.npos)
       << Block(idle, "idle (0x40)", is_nt) << section;
-  EXPECT_NE(section.find(Block(above_normal, "unknown (0x4000)", is_nt)), section.npos) << section;
+  EXPECT_NE(section.find(Block(below_normal, "unknown (0x4000)", is_nt)), section.npos) << section;
   unsigned total = 0, count = 0;
   EXPECT_EQ(std::sscanf(section.c_str(), "Processes (total %u)", &total), 1);
   for (size_t at = 0; (at = section.find("PID ", at)) != section.npos; ++at)
