@@ -3,12 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstring>
 
 #include "platform/win32.h"
 #include "tests/windows/driver.h"
 #include "tests/windows/every_release.h"
 
-#include <psapi.h>
+#include <winternl.h>
 
 namespace drive {
 namespace {
@@ -52,8 +53,23 @@ std::string RunningProcesses() {
   return lines;
 }
 
+// What the native list tells of a process, by the record of the compiler's headers.
+SYSTEM_PROCESS_INFORMATION NativeEntry(DWORD id) {
+  const auto query =
+      reinterpret_cast<decltype(&NtQuerySystemInformation)>(reinterpret_cast<void (*)()>(
+          GetProcAddress(GetModuleHandleA("ntdll.dll"), "NtQuerySystemInformation")));
+  std::vector<char> list(1 << 20);
+  EXPECT_EQ(query(SystemProcessInformation, list.data(), list.size(), nullptr), 0);
+  for (const char* at = list.data();;) {
+    SYSTEM_PROCESS_INFORMATION entry = {};
+    std::memcpy(&entry, at, sizeof entry);
+    if (reinterpret_cast<ULONG_PTR>(entry.UniqueProcessId) == id) return entry;
+    if (entry.NextEntryOffset == 0) return {};
+    at += entry.NextEntryOffset;
+  }
+}
+
 std::string Block(const Sleeper& sleeper, const std::string& priority, bool is_nt) {
-  const HANDLE process = sleeper.process.hProcess;
   const DWORD id = sleeper.process.dwProcessId, version = GetProcessVersion(id);
   const std::string program = OwnProgram();
   std::string block = FieldLine("", "PID", Text("0x%x (%u)", id, id)) +
@@ -61,15 +77,13 @@ std::string Block(const Sleeper& sleeper, const std::string& priority, bool is_n
                       FieldLine("", "Valid", "Yes") + FieldLine("", "Priority", priority) +
                       FieldLine("", "Version", Text("%u.%u", version >> 16, version & 0xFFFF));
   if (!is_nt) return block + "\r\n";
-  PROCESS_MEMORY_COUNTERS memory = {};
-  GetProcessMemoryInfo(process, &memory, sizeof memory);
-  DWORD handles = 0;
-  GetProcessHandleCount(process, &handles);
+  const SYSTEM_PROCESS_INFORMATION told = NativeEntry(id);
+  const VM_COUNTERS& memory = told.VirtualMemoryCounters;
   return block + FieldLine("", "Memory usage", Text("%u b", memory.WorkingSetSize)) +
          FieldLine("", "Pagefile usage", Text("%u b", memory.PagefileUsage)) +
          FieldLine("", "Paged pool", Text("%u b", memory.QuotaPagedPoolUsage)) +
          FieldLine("", "Non-paged pool", Text("%u b", memory.QuotaNonPagedPoolUsage)) +
-         FieldLine("", "Threads", "1") + FieldLine("", "Handles", Text("%u", handles)) +
+         FieldLine("", "Threads", "1") + FieldLine("", "Handles", Text("%u", told.HandleCount)) +
          FieldLine("", "Page faults", Text("%u", memory.PageFaultCount)) + "\r\n";
 }
 
