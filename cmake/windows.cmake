@@ -55,7 +55,8 @@ if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
   file(GLOB EXE_TEST_SOURCES CONFIGURE_DEPENDS tests/windows/*.cpp)
   if(EXE_TEST_SOURCES)
     add_ordinary_exe(exe_tests ${EXE_TEST_SOURCES})
-    target_link_libraries(exe_tests PRIVATE GTest::gtest_main msacm32 msvfw32 setupapi version winmm)
+    target_link_libraries(exe_tests PRIVATE GTest::gtest_main msacm32 msvfw32 setupapi version winmm
+                          winspool wsock32)
     target_compile_definitions(exe_tests PRIVATE
                                HOSTSCOPE_FULL_PROFILE="Z:${PROJECT_SOURCE_DIR}/profiles/full.ini"
                                HOSTSCOPE_REPORTS_FOLDER="Z:${PROJECT_SOURCE_DIR}/tests/reports")

@@ -17,8 +17,23 @@ enum class SetupFunction : std::size_t {
   kCount,
 };
 
+// Rows of the sockets library's functions within its binding.
+enum class SocketsFunction : std::size_t {
+  kStartup,
+  kGetHostName,
+  kGetHostByName,
+  kCleanup,
+  kAddressText,
+  kCount,
+};
+
 struct WindowsSocketsState {
-  HMODULE module = nullptr;
+  template <typename Function>
+  Function Get(SocketsFunction row) const {
+    return library.Get<Function>(static_cast<std::size_t>(row));
+  }
+
+  BoundLibrary<static_cast<std::size_t>(SocketsFunction::kCount)> library;  // while it is loaded
   bool started = false;
   char version[16] = {};
   char description[257] = {};

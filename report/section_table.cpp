@@ -8,8 +8,11 @@
 #include "probes/devices/joysticks.h"
 #include "probes/devices/midi_devices.h"
 #include "probes/devices/processes.h"
+#include "probes/devices/network.h"
+#include "probes/devices/printers.h"
 #include "probes/devices/video_codecs.h"
 #include "probes/devices/wave_devices.h"
+#include "probes/devices/windows_sockets.h"
 #include "probes/system/bios.h"
 #include "probes/system/folders.h"
 #include "probes/system/free_resources.h"
@@ -195,8 +198,40 @@ constexpr Item kInputItems[] = {
 };
 
 constexpr Item kNetworkItems[] = {
+    {.step = StartSocketsForSection},
+    {.progress_label = "Windows sockets...",
+     .switches = kAnyOf<&Settings::winsock_info>,
+     .write_lines = WriteWindowsSockets},
+    {.progress_label = "Domain name...",
+     .report_label = "Domain name",
+     .switches = kAnyOf<&Settings::domain_name>,
+     .collect_value = ReadDomainName},
+    {.progress_label = "Host name...",
+     .report_label = "Host name",
+     .switches = kAnyOf<&Settings::host_name>,
+     .collect_value = ReadHostName},
+    {.progress_label = "Aliases...",
+     .switches = kAnyOf<&Settings::aliases>,
+     .write_lines = WriteHostAliases},
+    {.progress_label = "IP addresses...",
+     .switches = kAnyOf<&Settings::ip_addresses>,
+     .write_lines = WriteHostAddresses},
     // Between the addresses and the cards, in every report.
     {.step = WriteEmptyLine},
+    {.progress_label = "Net cards...",
+     .switches = kAnyOf<&Settings::net_cards>,
+     .write_lines = WriteDevices<kNetCards>},
+    {.progress_label = "Net clients...",
+     .switches = kAnyOf<&Settings::net_clients>,
+     .write_lines = WriteNetClients},
+    {.progress_label = "Net services...",
+     .switches = kAnyOf<&Settings::net_services>,
+     .write_lines = WriteNetServices},
+    {.step = StopSocketsOfSection},
+    {.progress_label = "Default email client...",
+     .report_label = "Default email client",
+     .switches = kAnyOf<&Settings::default_email_client>,
+     .collect_value = ReadDefaultEmailClient},
 };
 
 constexpr Item kCommunicationItems[] = {
@@ -209,6 +244,15 @@ constexpr Item kPortItems[] = {
     {.progress_label = "Ports...",
      .switches = kAnyOf<&Settings::ports>,
      .write_lines = WriteDevices<kPorts>},
+};
+
+constexpr Item kPrinterItems[] = {
+    {.progress_label = "Default printer...",
+     .switches = kAnyOf<&Settings::default_printer>,
+     .write_lines = WriteDefaultPrinter},
+    {.progress_label = "Printers...",
+     .switches = kAnyOf<&Settings::printers>,
+     .write_lines = WritePrinters},
 };
 
 constexpr Item kProcessItems[] = {
@@ -252,7 +296,7 @@ constexpr Section kSections[] = {
     {.banner = "DISK DRIVES", .profile_section = "DISK DRIVE"},
     {.banner = "DISK CONTROLLERS", .profile_section = "DISK CONTROLLER"},
     {.banner = "USB CONTROLLERS", .profile_section = "USB"},
-    {.banner = "PRINTERS", .profile_section = "PRINTER"},
+    {.banner = "PRINTERS", .profile_section = "PRINTER", .items = kPrinterItems},
     {.banner = "PROCESSES", .profile_section = "PROCESS", .items = kProcessItems},
     {.banner = "DLLS VERSIONS", .list = &Settings::dlls, .items = kDllItems},
     {.banner = "REGISTRY KEYS", .list = &Settings::registry_keys, .items = kRegistryItems},

@@ -221,8 +221,11 @@ BOOL WINAPI DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_size,
 
 // ---- private profiles: kernel32_profile.cpp ----
 
-// Reads win.ini.
+// These two read win.ini. On NT its section "windows" is a key of the user's registry, whatever
+// stands in the file.
 UINT WINAPI GetProfileIntA(LPCSTR section, LPCSTR key, INT fallback);
+DWORD WINAPI GetProfileStringA(LPCSTR section, LPCSTR key, LPCSTR fallback, LPSTR buffer,
+                               DWORD size);
 UINT WINAPI GetPrivateProfileIntA(LPCSTR section, LPCSTR key, INT fallback, LPCSTR file);
 DWORD WINAPI GetPrivateProfileStringA(LPCSTR section, LPCSTR key, LPCSTR fallback, LPSTR buffer,
                                       DWORD size, LPCSTR file);

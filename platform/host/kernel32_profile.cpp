@@ -22,6 +22,7 @@ using namespace host;
 namespace {
 
 constexpr std::size_t kSectionLimit = 32767;
+constexpr char kSystemProfile[] = "win.ini";
 constexpr std::string_view kBlanks = " \t\v\f\x1A";  // the end-of-file mark of old is one
 
 struct Line {
@@ -67,7 +68,7 @@ Line ParseLine(std::string_view line) {
 
 // A name without a folder is looked for in the Windows folder.
 std::string ProfilePath(const Machine& machine, LPCSTR file) {
-  const std::string_view name = file == nullptr ? "win.ini" : file;
+  const std::string_view name = file == nullptr ? kSystemProfile : file;
   if (name.empty() || name.find_first_of("\\/:") != std::string_view::npos)
     return std::string(name);
   return machine.windows_folder + "\\" + std::string(name);
@@ -209,9 +210,32 @@ std::string SectionLines(const Section* section) {
   return list;
 }
 
+// The entries of the section "windows" of win.ini, as far as they are asked for one by one, are
+// values of the user's registry on NT.
+bool IsInRegistry(LPCSTR section, LPCSTR key, LPCSTR file) {
+  return CurrentMachine().IsNt() && section != nullptr && key != nullptr &&
+         EqualNoCase(Trim(section), "windows") &&
+         (file == nullptr || EqualNoCase(file, kSystemProfile));
+}
+
+std::optional<std::string> RegistryEntry(LPCSTR key) {
+  const Registry& registry = CurrentMachine().registry;
+  const std::lock_guard lock(registry.mutex());
+  const auto found =
+      Registry::FindBelow(registry.Root(Hive::kCurrentUser),
+                          "Software\\Microsoft\\Windows NT\\CurrentVersion\\Windows");
+  const RegistryValue* const value = found == nullptr ? nullptr : found->values.Find(Trim(key));
+  if (value == nullptr || value->type != kRegistryText) return std::nullopt;
+  return value->data.substr(0, value->data.find('\0'));
+}
+
 DWORD GetString(LPCSTR section, LPCSTR key, LPCSTR fallback, LPSTR buffer, DWORD size,
                 LPCSTR file) {
   if (buffer == nullptr || size == 0) return 0;
+  if (IsInRegistry(section, key, file)) {
+    const std::optional<std::string> entry = RegistryEntry(key);
+    return GiveText(entry ? *entry : fallback == nullptr ? "" : fallback, buffer, size);
+  }
   const std::shared_ptr<const Profile> profile = ReadProfile(file);
   if (section == nullptr) return GiveList(SectionNames(*profile), buffer, size);
   std::string_view text = fallback == nullptr ? "" : fallback;
@@ -265,7 +289,15 @@ UINT GetInteger(LPCSTR section, LPCSTR key, INT fallback, LPCSTR file) {
 
 UINT WINAPI GetProfileIntA(LPCSTR section, LPCSTR key, INT fallback) {
   if (EndableCallFails("GetProfileIntA")) return static_cast<UINT>(fallback);
-  return GetInteger(section, key, fallback, "win.ini");
+  return GetInteger(section, key, fallback, kSystemProfile);
+}
+
+DWORD WINAPI GetProfileStringA(LPCSTR section, LPCSTR key, LPCSTR fallback, LPSTR buffer,
+                               DWORD size) {
+  if (!EndableCallFails("GetProfileStringA"))
+    return GetString(section, key, fallback, buffer, size, kSystemProfile);
+  if (buffer == nullptr || size == 0) return 0;
+  return GiveText(fallback == nullptr ? "" : fallback, buffer, size);
 }
 
 UINT WINAPI GetPrivateProfileIntA(LPCSTR section, LPCSTR key, INT fallback, LPCSTR file) {

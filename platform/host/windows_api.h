@@ -19,3 +19,5 @@
 #include "platform/host/version.h"
 #include "platform/host/windows_types.h"
 #include "platform/host/winmm.h"
+#include "platform/host/winspool.h"
+#include "platform/host/wsock32.h"

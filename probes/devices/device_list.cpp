@@ -2,16 +2,27 @@
 
 #include "probes/devices/device_scanner.h"
 #include "probes/devices/record_list.h"
+#include "util/text.h"
 
 namespace hostscope {
 namespace {
 
-const char* AttachedTo(const DeviceRecord& record) {
-  return static_cast<const ModemRecord&>(record).attached_to;
+void WriteNetCard(ReportWriter& report, const DeviceRecord& device) {
+  const auto& card = static_cast<const NetCardRecord&>(device);
+  if (card.ip_address[0] == '\0') return;
+  report.WriteFormatted(kTextFieldFormat, "", "IP address", card.ip_address);
+  report.WriteFormatted(kTextFieldFormat, "", "Subnet mask", card.subnet_mask);
+  report.WriteFormatted(kTextFieldFormat, "", "DHCP enabled", YesOrNo(card.dhcp_enabled != 0));
 }
 
-const char* PortName(const DeviceRecord& record) {
-  return static_cast<const PortRecord&>(record).port_name;
+void WriteModem(ReportWriter& report, const DeviceRecord& device) {
+  const auto& modem = static_cast<const ModemRecord&>(device);
+  report.WriteFormatted(kTextFieldFormat, "", "Port", modem.attached_to);
+}
+
+void WritePort(ReportWriter& report, const DeviceRecord& device) {
+  const auto& port = static_cast<const PortRecord&>(device);
+  report.WriteFormatted(kTextFieldFormat, "", "Port name", port.port_name);
 }
 
 void WriteDeviceRecords(ReportWriter& report_of_run, const DeviceList& list,
@@ -20,9 +31,7 @@ void WriteDeviceRecords(ReportWriter& report_of_run, const DeviceList& list,
       report_of_run, list.list_name, records,
       [&list](ReportWriter& report, char* label, const DeviceRecord& record) {
         report.WriteDeviceBlock(label, record);
-        if (list.extra_field != nullptr) {
-          report.WriteFormatted(kTextFieldFormat, label, list.extra_field, list.extra_text(record));
-        }
+        if (list.write_further != nullptr) list.write_further(report, record);
         report.WriteText(kLineEnd);
       });
 }
@@ -34,8 +43,9 @@ constinit const DeviceList kMonitors = {"Monitors", "Monitor", sizeof(DeviceReco
 constinit const DeviceList kVideoAdapters = {"Video adapters", "Display", sizeof(DeviceRecord)};
 constinit const DeviceList kMouse = {"Mouse", "Mouse", sizeof(DeviceRecord)};
 constinit const DeviceList kKeyboard = {"Keyboard", "Keyboard", sizeof(DeviceRecord)};
-constinit const DeviceList kModems = {"Modems", "Modem", sizeof(ModemRecord), "Port", AttachedTo};
-constinit const DeviceList kPorts = {"Ports", "Ports", sizeof(PortRecord), "Port name", PortName};
+constinit const DeviceList kNetCards = {"Net cards", "Net", sizeof(NetCardRecord), WriteNetCard};
+constinit const DeviceList kModems = {"Modems", "Modem", sizeof(ModemRecord), WriteModem};
+constinit const DeviceList kPorts = {"Ports", "Ports", sizeof(PortRecord), WritePort};
 
 bool WriteDeviceList(ItemRun& run, const DeviceList& list) {
   RecordArray records;

@@ -11,10 +11,9 @@ struct DeviceList {
   const char* list_name;
   const char* class_name;
   std::size_t record_size;
-  // A further line of each device: its field name, and the text of it in the record. Null: no such
-  // line.
-  const char* extra_field = nullptr;
-  const char* (*extra_text)(const DeviceRecord& record) = nullptr;
+  // Writes the lines that a device of the class has beside those of every device. Null: there are
+  // none.
+  void (*write_further)(ReportWriter& report, const DeviceRecord& device) = nullptr;
 };
 
 extern const DeviceList kMediaDevices;
@@ -22,6 +21,7 @@ extern const DeviceList kMonitors;
 extern const DeviceList kVideoAdapters;
 extern const DeviceList kMouse;
 extern const DeviceList kKeyboard;
+extern const DeviceList kNetCards;
 extern const DeviceList kModems;
 extern const DeviceList kPorts;
 

@@ -10,6 +10,7 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <vector>
 
 #ifndef _WIN32
@@ -109,6 +110,7 @@ struct Place::Parts {
   HKEY Create(std::string_view subkey) const { return Create(HKEY_CURRENT_USER, Subkey(subkey)); }
 
   std::vector<std::string> machine_keys;
+  std::optional<std::string> default_device;  // as it was
 };
 
 namespace {
@@ -136,6 +138,8 @@ Place::~Place() {
   DeleteTree(HKEY_CURRENT_USER, parts_->key);
   for (const std::string& machine_key : parts_->machine_keys)
     DeleteTree(HKEY_LOCAL_MACHINE, machine_key);
+  if (parts_->default_device)
+    WriteProfileStringA("windows", "device", parts_->default_device->c_str());
   SetCurrentDirectoryA(fs::temp_directory_path().string().c_str());
   std::error_code ignored;
   fs::remove_all(parts_->disk, ignored);
@@ -174,6 +178,28 @@ void Place::SetMachineText(std::string_view key, std::string_view name, std::str
                                           reinterpret_cast<const BYTE*>(std::string(text).c_str()),
                                           text.size() + 1));
   RegCloseKey(made);
+}
+
+void Place::InstallPrinter(const std::string& name, const std::string& port, DWORD attributes) {
+  const std::string key = "System\\CurrentControlSet\\Control\\Print\\Printers\\" + name;
+  OwnMachineKey(key);
+  SetMachineText(key, "Name", name);
+  SetMachineText(key, "Port", port);
+  SetMachineText(key, "Printer Driver", "Driver");
+  // Nothing is printed, but a printer without these two is not opened.
+  SetMachineText(key, "Print Processor", "winprint");
+  SetMachineText(key, "Datatype", "RAW");
+  EXPECT_EQ(ERROR_SUCCESS, RegSetKeyValueA(HKEY_LOCAL_MACHINE, key.c_str(), "Attributes", REG_DWORD,
+                                           &attributes, sizeof attributes));
+}
+
+void Place::SetDefaultDevice(const std::string& setting) {
+  if (!parts_->default_device) {
+    char old[MAX_PATH] = {};
+    GetProfileStringA("windows", "device", "", old, sizeof old);
+    parts_->default_device = old;
+  }
+  EXPECT_TRUE(WriteProfileStringA("windows", "device", setting.c_str()));
 }
 
 namespace {
@@ -277,6 +303,11 @@ void Describe(host::Machine& machine) {
   spare.name = kSpareLibrary;
   spare.exports[kSpareFunction] = host::Export(&Describe);
   machine.libraries.Add(spare);
+  machine.network = {.version = 0x0202,
+                     .description = "WinSock 2.0",
+                     .status = "Running",
+                     .host_name = "contract",
+                     .hosts = {{"contract", {{127, 0, 0, 1}}, {}}}};
   machine.multimedia.audio_codecs = {{0x04000000, "IMA ADPCM"}, {0x01000000, "MS ADPCM"}};
   machine.multimedia.video_codecs = {{0x656C726D, "RLE", "msrle32.dll"},
                                      {0x6376736D, "Video 1", "msvidc32.dll"},
@@ -316,6 +347,15 @@ void Place::OwnMachineKey(std::string_view key) {
 
 void Place::SetMachineText(std::string_view key, std::string_view name, std::string_view text) {
   parts_->machine.registry.SetText("HKLM\\" + std::string(key), name, text);
+}
+
+void Place::InstallPrinter(const std::string& name, const std::string& port, DWORD attributes) {
+  parts_->machine.printers.installed.push_back({name, port, {}, {}, attributes, 0});
+}
+
+void Place::SetDefaultDevice(const std::string& setting) {
+  parts_->machine.registry.SetText("HKCU\\Software\\Microsoft\\Windows NT\\CurrentVersion\\Windows",
+                                   "Device", setting);
 }
 
 INT_PTR Place::RunDialog(std::span<const Control> controls, DLGPROC procedure, LPARAM parameter) {

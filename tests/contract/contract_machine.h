@@ -83,6 +83,11 @@ class Place {
   void OwnMachineKey(std::string_view key);
   void SetMachineText(std::string_view key, std::string_view name, std::string_view text);
 
+  // A printer that goes with the object; the machine has no other.
+  void InstallPrinter(const std::string& name, const std::string& port, DWORD attributes);
+  // What the user's setting of the default device says until the object goes.
+  void SetDefaultDevice(const std::string& setting);
+
   // Runs a dialog named "Contract" that holds the controls, as DialogBoxParamA does.
   INT_PTR RunDialog(std::span<const Control> controls, DLGPROC procedure, LPARAM parameter);
 
