@@ -15,6 +15,9 @@ namespace hostscope {
 inline constexpr char kLabelFormat[] = "%-27s";
 inline constexpr char kLabelLineFormat[] = "%-27s\r\n";
 inline constexpr char kTextFieldFormat[] = "%-27s%-15s:  %s\r\n";
+// The same with 21 columns for the field name.
+inline constexpr char kWideTextFieldFormat[] = "%-27s%-21s:  %s\r\n";
+inline constexpr char kWideNumberFieldFormat[] = "%-27s%-21s:  %u\r\n";
 inline constexpr char kLineEnd[] = "\r\n";
 
 // Room for the text of FormatReportDate, terminator included.

@@ -4,8 +4,10 @@
 #include "probes/devices/cdroms.h"
 #include "probes/devices/device_list.h"
 #include "probes/devices/directx.h"
+#include "probes/devices/disk_drives.h"
 #include "probes/devices/display.h"
 #include "probes/devices/joysticks.h"
+#include "probes/devices/logical_disks.h"
 #include "probes/devices/midi_devices.h"
 #include "probes/devices/processes.h"
 #include "probes/devices/network.h"
@@ -246,6 +248,35 @@ constexpr Item kPortItems[] = {
      .write_lines = WriteDevices<kPorts>},
 };
 
+constexpr Item kDiskDriveItems[] = {
+    {.progress_label = "Disk drives...",
+     .switches = kAnyOf<&Settings::disk_drives>,
+     .write_lines = WriteDiskDrives},
+    {.progress_label = "Logical disks...",
+     .switches =
+         kAnyOf<&Settings::total_space, &Settings::free_space, &Settings::available_free_space,
+                &Settings::label, &Settings::file_system_type, &Settings::file_system_flags>,
+     .write_lines = WriteLogicalDisks},
+};
+
+constexpr Item kDiskControllerItems[] = {
+    {.progress_label = "FDC...",
+     .switches = kAnyOf<&Settings::fdc>,
+     .write_lines = WriteDevices<kFloppyControllers>},
+    {.progress_label = "HDC...",
+     .switches = kAnyOf<&Settings::hdc>,
+     .write_lines = WriteDevices<kDiskControllers>},
+    {.progress_label = "SCSI...",
+     .switches = kAnyOf<&Settings::scsi>,
+     .write_lines = WriteDevices<kScsiAdapters>},
+};
+
+constexpr Item kUsbItems[] = {
+    {.progress_label = "USB...",
+     .switches = kAnyOf<&Settings::usb_controllers>,
+     .write_lines = WriteDevices<kUsbControllers>},
+};
+
 constexpr Item kPrinterItems[] = {
     {.progress_label = "Default printer...",
      .switches = kAnyOf<&Settings::default_printer>,
@@ -293,9 +324,11 @@ constexpr Section kSections[] = {
     {.banner = "NETWORK", .profile_section = "NETWORK", .items = kNetworkItems},
     {.banner = "COMMUNICATION", .profile_section = "COMMUNICATION", .items = kCommunicationItems},
     {.banner = "PORTS", .profile_section = "PORT", .items = kPortItems},
-    {.banner = "DISK DRIVES", .profile_section = "DISK DRIVE"},
-    {.banner = "DISK CONTROLLERS", .profile_section = "DISK CONTROLLER"},
-    {.banner = "USB CONTROLLERS", .profile_section = "USB"},
+    {.banner = "DISK DRIVES", .profile_section = "DISK DRIVE", .items = kDiskDriveItems},
+    {.banner = "DISK CONTROLLERS",
+     .profile_section = "DISK CONTROLLER",
+     .items = kDiskControllerItems},
+    {.banner = "USB CONTROLLERS", .profile_section = "USB", .items = kUsbItems},
     {.banner = "PRINTERS", .profile_section = "PRINTER", .items = kPrinterItems},
     {.banner = "PROCESSES", .profile_section = "PROCESS", .items = kProcessItems},
     {.banner = "DLLS VERSIONS", .list = &Settings::dlls, .items = kDllItems},

@@ -28,5 +28,7 @@ inline constexpr std::string_view kDevicePrefix = "\\\\.\\";
 using OpenDeviceFunction = std::shared_ptr<Device> (*)(Machine& machine, std::string_view name);
 
 std::shared_ptr<Device> OpenVwin32(Machine& machine, std::string_view name);
+std::shared_ptr<Device> OpenPhysicalDrive(Machine& machine, std::string_view name);
+std::shared_ptr<Device> OpenDriveLetter(Machine& machine, std::string_view name);
 
 }  // namespace host

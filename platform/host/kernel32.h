@@ -67,6 +67,14 @@ inline constexpr DWORD IDLE_PRIORITY_CLASS = 0x40;
 inline constexpr DWORD HIGH_PRIORITY_CLASS = 0x80;
 inline constexpr DWORD REALTIME_PRIORITY_CLASS = 0x100;
 
+inline constexpr UINT DRIVE_UNKNOWN = 0;
+inline constexpr UINT DRIVE_NO_ROOT_DIR = 1;
+inline constexpr UINT DRIVE_REMOVABLE = 2;
+inline constexpr UINT DRIVE_FIXED = 3;
+inline constexpr UINT DRIVE_REMOTE = 4;
+inline constexpr UINT DRIVE_CDROM = 5;
+inline constexpr UINT DRIVE_RAMDISK = 6;
+
 inline constexpr UINT CP_ACP = 0;
 inline constexpr DWORD WC_DISCARDNS = 0x10;
 inline constexpr DWORD WC_SEPCHARS = 0x20;
@@ -81,6 +89,7 @@ inline constexpr DWORD ERROR_NEGATIVE_SEEK = 131;
 inline constexpr DWORD ERROR_ALREADY_EXISTS = 183;
 inline constexpr DWORD ERROR_DIRECTORY = 267;
 inline constexpr DWORD ERROR_INVALID_FLAGS = 1004;
+inline constexpr DWORD ERROR_IO_DEVICE = 1117;
 
 // ---- records ----
 
@@ -110,6 +119,14 @@ struct SYSTEMTIME {
   WORD wMilliseconds;
 };
 using LPSYSTEMTIME = SYSTEMTIME*;
+
+union ULARGE_INTEGER {
+  struct {
+    DWORD LowPart;
+    DWORD HighPart;
+  } u;
+  std::uint64_t QuadPart;
+};
 
 struct WIN32_FIND_DATAA {
   DWORD dwFileAttributes;
@@ -218,6 +235,21 @@ BOOL WINAPI FindClose(HANDLE search);
 
 BOOL WINAPI DeviceIoControl(HANDLE device, DWORD code, LPVOID in, DWORD in_size, LPVOID out,
                             DWORD out_size, LPDWORD returned, LPOVERLAPPED overlapped);
+
+// ---- drives: kernel32_drives.cpp ----
+
+// These know a drive by its root alone, "C:\\".
+DWORD WINAPI GetLogicalDriveStringsA(DWORD size, LPSTR buffer);
+UINT WINAPI GetDriveTypeA(LPCSTR root);
+BOOL WINAPI GetDiskFreeSpaceA(LPCSTR root, LPDWORD sectors_per_cluster, LPDWORD bytes_per_sector,
+                              LPDWORD free_clusters, LPDWORD clusters);
+// Of Windows 95 OSR2 and NT 4.0 on.
+BOOL WINAPI GetDiskFreeSpaceExA(LPCSTR root, ULARGE_INTEGER* available, ULARGE_INTEGER* total,
+                                ULARGE_INTEGER* total_free);
+// Tells the flags and the name of the file system alone; a label is empty.
+BOOL WINAPI GetVolumeInformationA(LPCSTR root, LPSTR label, DWORD label_size, LPDWORD serial_number,
+                                  LPDWORD longest_name, LPDWORD flags, LPSTR file_system,
+                                  DWORD file_system_size);
 
 // ---- private profiles: kernel32_profile.cpp ----
 

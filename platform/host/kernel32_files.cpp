@@ -43,7 +43,7 @@ bool IsClosedByCloseHandle(const Object& object) {
 }
 
 // Each knows its own names.
-constexpr OpenDeviceFunction kDevices[] = {OpenVwin32};
+constexpr OpenDeviceFunction kDevices[] = {OpenVwin32, OpenPhysicalDrive, OpenDriveLetter};
 
 HANDLE OpenDevice(Machine& machine, std::string_view name) {
   for (const OpenDeviceFunction open : kDevices) {

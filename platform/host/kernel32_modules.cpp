@@ -38,6 +38,9 @@ const LayerLibrary kKernel32({.name = "KERNEL32.DLL",
                                           HOST_EXPORT(GetCurrentProcessId),
                                           HOST_EXPORT(GetCurrentThread),
                                           HOST_EXPORT(GetCurrentThreadId),
+                                          HOST_EXPORT(GetDiskFreeSpaceA),
+                                          HOST_EXPORT(GetDiskFreeSpaceExA),
+                                          HOST_EXPORT(GetDriveTypeA),
                                           HOST_EXPORT(GetExitCodeThread),
                                           HOST_EXPORT(GetFileAttributesA),
                                           HOST_EXPORT(GetFileSize),
@@ -45,6 +48,7 @@ const LayerLibrary kKernel32({.name = "KERNEL32.DLL",
                                           HOST_EXPORT(GetLastError),
                                           HOST_EXPORT(GetLocalTime),
                                           HOST_EXPORT(GetLocaleInfoA),
+                                          HOST_EXPORT(GetLogicalDriveStringsA),
                                           HOST_EXPORT(GetModuleFileNameA),
                                           HOST_EXPORT(GetModuleHandleA),
                                           HOST_EXPORT(GetPrivateProfileIntA),
@@ -59,6 +63,7 @@ const LayerLibrary kKernel32({.name = "KERNEL32.DLL",
                                           HOST_EXPORT(GetTempPathA),
                                           HOST_EXPORT(GetTickCount),
                                           HOST_EXPORT(GetVersionExA),
+                                          HOST_EXPORT(GetVolumeInformationA),
                                           HOST_EXPORT(GetWindowsDirectoryA),
                                           HOST_EXPORT(GlobalMemoryStatus),
                                           HOST_EXPORT(GlobalMemoryStatusEx),
@@ -86,23 +91,30 @@ const LayerLibrary kKernel32({.name = "KERNEL32.DLL",
                                           HOST_EXPORT(lstrcpynA),
                                           HOST_EXPORT(lstrlenA)}});
 
-// Functions of KERNEL32 that older releases of NT, and perhaps Windows 95/98/Me, do not have.
+// Functions of KERNEL32 that older releases do not have: the first release of NT with it, and the
+// first build of Windows 95/98/Me.
 struct YoungFunction {
   std::string_view name;
   DWORD nt_major;
-  bool only_nt = false;
+  WORD old_build;
 };
-constexpr YoungFunction kYoungFunctions[] = {{"CreateToolhelp32Snapshot", 5},
-                                             {"GlobalMemoryStatusEx", 5, true},
-                                             {"Module32First", 5},
-                                             {"Module32Next", 5},
-                                             {"Process32First", 5},
-                                             {"Process32Next", 5}};
+constexpr WORD kAlways = 0;
+constexpr WORD kNever = 0xFFFF;
+constexpr WORD kWindows95Osr2 = 1111;
+constexpr YoungFunction kYoungFunctions[] = {{"CreateToolhelp32Snapshot", 5, kAlways},
+                                             {"GetDiskFreeSpaceExA", 4, kWindows95Osr2},
+                                             {"GlobalMemoryStatusEx", 5, kNever},
+                                             {"Module32First", 5, kAlways},
+                                             {"Module32Next", 5, kAlways},
+                                             {"Process32First", 5, kAlways},
+                                             {"Process32Next", 5, kAlways}};
 
 bool IsTooYoung(const Machine& machine, std::string_view name) {
+  const WindowsVersion& version = machine.version;
   for (const YoungFunction& young : kYoungFunctions) {
     if (name != young.name) continue;
-    return machine.IsNt() ? machine.version.major < young.nt_major : young.only_nt;
+    return machine.IsNt() ? version.major < young.nt_major
+                          : LOWORD(version.build) < young.old_build;
   }
   return false;
 }

@@ -378,6 +378,10 @@ std::string Contradiction(const Machine& machine) {
   const bool described = processor.age != hostscope::ProcessorAge::kIdentifiable ||
                          !processor.leaves.empty() || processor.counter_frequency != 0;
   if (processor.real && described) return "[Processor] Real: the processor is described as well";
+  for (const auto& [number, place] : machine.disks.physical_drives) {
+    if (place && !machine.disks.channels[*place / 2].drives[*place % 2])
+      return "[PhysicalDrives] " + std::to_string(number) + ": there is no such IDE drive";
+  }
   for (const UINT number : machine.joysticks.connected) {
     if (number >= machine.joysticks.slots)
       return "[Joysticks] Connected: there is no slot of number " + std::to_string(number);

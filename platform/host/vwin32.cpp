@@ -5,6 +5,7 @@
 #include "platform/dos_registers.h"
 #include "platform/host/code_page.h"
 #include "platform/host/devices.h"
+#include "platform/host/kernel32.h"
 #include "platform/host/machine.h"
 
 namespace host {
@@ -13,23 +14,48 @@ namespace {
 using hostscope::DosRegisters;
 
 constexpr DWORD kGenericIoctl = 0x440D;
+constexpr DWORD kGetDeviceParameters = 0x4860;
 constexpr DWORD kFindSwapFile = 0x486E;
 constexpr DWORD kInvalidFunction = 1;  // DOS's own code
 
+// The block lies where 32 bits reach, so the address is whole.
+char* BlockAt(DWORD address) {
+  return reinterpret_cast<char*>(static_cast<std::uintptr_t>(address));
+}
+
 // Writes the path, with its zero, where EDX points; the pages come back in ECX:EBX.
-bool FindSwapFile(const SwapFile& swap_file, DosRegisters& registers) {
-  if (swap_file.path.empty()) return false;
-  // The block lies where 32 bits reach, so the address is whole.
-  char* const name = reinterpret_cast<char*>(static_cast<std::uintptr_t>(registers.edx));
-  std::memcpy(name, swap_file.path.c_str(), swap_file.path.size() + 1);
-  registers.ecx = static_cast<DWORD>(swap_file.pages >> 32);
-  registers.ebx = static_cast<DWORD>(swap_file.pages);
+bool FindSwapFile(const Machine& machine, DosRegisters& registers) {
+  const std::optional<SwapFile>& swap_file = machine.hardware.swap_file;
+  if (!swap_file || swap_file->path.empty()) return false;
+  std::memcpy(BlockAt(registers.edx), swap_file->path.c_str(), swap_file->path.size() + 1);
+  registers.ecx = static_cast<DWORD>(swap_file->pages >> 32);
+  registers.ebx = static_cast<DWORD>(swap_file->pages);
   return true;
+}
+
+// The drive's number, 1 for A:, is in BL. Of the parameters only the type is told, the second byte
+// of the block at EDX.
+bool GetDeviceParameters(const Machine& machine, DosRegisters& registers) {
+  constexpr char kHardDisk = 5;
+  const std::map<char, Drive> letters = DriveLetters(machine);
+  const auto found = letters.find(static_cast<char>('A' - 1 + (registers.ebx & 0xFF)));
+  if (found == letters.end()) return false;
+  const Drive& drive = found->second;
+  if (drive.type == DRIVE_REMOTE || drive.type == DRIVE_CDROM) return false;
+  BlockAt(registers.edx)[1] =
+      drive.floppy == nullptr ? kHardDisk : static_cast<char>(drive.floppy->dos_device_type);
+  return true;
+}
+
+bool Serve(const Machine& machine, DosRegisters& registers) {
+  if (registers.eax != kGenericIoctl) return false;
+  if (registers.ecx == kGetDeviceParameters) return GetDeviceParameters(machine, registers);
+  return registers.ecx == kFindSwapFile && FindSwapFile(machine, registers);
 }
 
 class Vwin32 : public Device {
  public:
-  explicit Vwin32(const SwapFile& swap_file) : swap_file_(swap_file) {}
+  explicit Vwin32(const Machine& machine) : machine_(machine) {}
 
   DWORD Control(DWORD code, std::span<const BYTE> in, std::span<BYTE> out,
                 DWORD& returned) override {
@@ -38,8 +64,7 @@ class Vwin32 : public Device {
     if (in.size() < sizeof registers || out.size() < sizeof registers)
       return ERROR_INVALID_PARAMETER;
     std::memcpy(&registers, in.data(), sizeof registers);
-    const bool served = registers.eax == kGenericIoctl && registers.ecx == kFindSwapFile &&
-                        FindSwapFile(swap_file_, registers);
+    const bool served = Serve(machine_, registers);
     registers.flags &= ~hostscope::kDosCarry;
     if (!served) {
       registers.flags |= hostscope::kDosCarry;
@@ -51,15 +76,15 @@ class Vwin32 : public Device {
   }
 
  private:
-  SwapFile swap_file_;
+  const Machine& machine_;
 };
 
 }  // namespace
 
 std::shared_ptr<Device> OpenVwin32(Machine& machine, std::string_view name) {
-  const std::optional<SwapFile>& swap_file = machine.hardware.swap_file;
-  if (machine.IsNt() || !swap_file || !EqualNoCase(name, "vwin32")) return nullptr;
-  return std::make_shared<Vwin32>(*swap_file);
+  const bool stated = machine.hardware.swap_file || !machine.disks.letters.empty();
+  if (machine.IsNt() || !stated || !EqualNoCase(name, "vwin32")) return nullptr;
+  return std::make_shared<Vwin32>(machine);
 }
 
 }  // namespace host

@@ -46,6 +46,12 @@ constinit const DeviceList kKeyboard = {"Keyboard", "Keyboard", sizeof(DeviceRec
 constinit const DeviceList kNetCards = {"Net cards", "Net", sizeof(NetCardRecord), WriteNetCard};
 constinit const DeviceList kModems = {"Modems", "Modem", sizeof(ModemRecord), WriteModem};
 constinit const DeviceList kPorts = {"Ports", "Ports", sizeof(PortRecord), WritePort};
+constinit const DeviceList kModems = {"Modems", "Modem", sizeof(ModemRecord), "Port", AttachedTo};
+constinit const DeviceList kPorts = {"Ports", "Ports", sizeof(PortRecord), "Port name", PortName};
+constinit const DeviceList kFloppyControllers = {"FDC", "fdc", sizeof(DeviceRecord)};
+constinit const DeviceList kDiskControllers = {"HDC", "hdc", sizeof(DeviceRecord)};
+constinit const DeviceList kScsiAdapters = {"SCSI", "SCSIAdapter", sizeof(DeviceRecord)};
+constinit const DeviceList kUsbControllers = {"USB", "USB", sizeof(DeviceRecord)};
 
 bool WriteDeviceList(ItemRun& run, const DeviceList& list) {
   RecordArray records;

@@ -24,6 +24,10 @@ extern const DeviceList kKeyboard;
 extern const DeviceList kNetCards;
 extern const DeviceList kModems;
 extern const DeviceList kPorts;
+extern const DeviceList kFloppyControllers;
+extern const DeviceList kDiskControllers;
+extern const DeviceList kScsiAdapters;
+extern const DeviceList kUsbControllers;
 
 // Writes the list; false, with the list name alone on its line, when the class cannot be examined.
 bool WriteDeviceList(ItemRun& run, const DeviceList& list);

@@ -69,7 +69,8 @@ TEST(ReportWorker, SectionsByTheirSwitches) {
        "[USB]\r\nControllers=1\r\n[DISK CONTROLLER]\r\nFDC=1\r\n"
        "[DISK DRIVE]\r\nLabel=1\r\n[PORT]\r\nPorts=1\r\n",
        "\r\n\r\n" + Banner("PORTS") + "Ports (total 0)\r\n" + Banner("DISK DRIVES") +
-           Banner("DISK CONTROLLERS") + Banner("USB CONTROLLERS")},
+           "Logical disks              \r\n" + Banner("DISK CONTROLLERS") + "FDC (total 0)\r\n" +
+           Banner("USB CONTROLLERS") + "USB (total 0)\r\n"},
       {"lists that are not empty",
        "[CUSTOM DLLS]\r\na.dll\r\n[DLLS]\r\nb.dll\r\n[FOLDERS]\r\n"
        "[SCAN KEYS]\r\nHKLM\\x\r\n[REGISTRY KEYS]\r\n",

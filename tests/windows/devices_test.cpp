@@ -35,6 +35,10 @@ constexpr List kLists[] = {
     {"COMMUNICATION", "Modems", "Modems", "Modem", "{4d36e96d-e325-11ce-bfc1-08002be10318}",
      "Port"},
     {"PORT", "Ports", "Ports", "Ports", "{4d36e978-e325-11ce-bfc1-08002be10318}", "Port name"},
+    {"DISK CONTROLLER", "FDC", "FDC", "fdc", "{4d36e969-e325-11ce-bfc1-08002be10318}"},
+    {"DISK CONTROLLER", "HDC", "HDC", "hdc", "{4d36e96a-e325-11ce-bfc1-08002be10318}"},
+    {"DISK CONTROLLER", "SCSI", "SCSI", "SCSIAdapter", "{4d36e97b-e325-11ce-bfc1-08002be10318}"},
+    {"USB", "Controllers", "USB", "USB", "{36fc9e60-c465-11cf-8056-444553540000}"},
 };
 
 constexpr char kNtDevices[] = "SYSTEM\\CurrentControlSet\\Enum";

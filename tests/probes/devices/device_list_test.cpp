@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "tests/support/report_run.h"
 
 namespace hostscope {
@@ -39,6 +41,10 @@ TEST(DeviceLists, InTheReport) {
       {"INPUT", "Keyboard", "Keyboard", "Keyboard", "", "Keyboard...              "},
       {"COMMUNICATION", "Modems", "Modems", "Modem", "Port", "Modems...                "},
       {"PORT", "Ports", "Ports", "Ports", "Port name", "Ports...                 "},
+      {"DISK CONTROLLER", "FDC", "FDC", "fdc", "", "FDC...                   "},
+      {"DISK CONTROLLER", "HDC", "HDC", "hdc", "", "HDC...                   "},
+      {"DISK CONTROLLER", "SCSI", "SCSI", "SCSIAdapter", "", "SCSI...                  "},
+      {"USB", "Controllers", "USB", "USB", "", "USB...                   "},
   };
   for (const auto& row : rows) {
     test::ReportRun run;
@@ -46,7 +52,9 @@ TEST(DeviceLists, InTheReport) {
     const std::string name = row.name;
     const std::string extra = row.extra;
     // Behind the sections before the network's stands the empty line of that.
-    const std::string end = extra.empty() ? "\r\n" : "";
+    const bool is_before_network =
+        std::set<std::string>{"MULTIMEDIA", "DISPLAY", "INPUT"}.contains(row.section);
+    const std::string end = is_before_network ? "\r\n" : "";
     const auto expect = [&](const std::string& lines, const char* status) {
       run.Run(std::string("[") + row.section + "]\r\n" + row.key + "=1\r\n");
       EXPECT_EQ(run.LastSection(), lines + end) << name;

@@ -1,0 +1,122 @@
+// The section DISK DRIVES in all seven releases: the drives beside what the test is told of them by
+// the 16-bit functions, and a disk that it makes.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "tests/windows/driver.h"
+#include "tests/windows/every_release.h"
+
+namespace drive {
+namespace {
+
+constexpr char kScsiMap[] = "HARDWARE\\DEVICEMAP\\Scsi\\Scsi Port 3";
+constexpr char kScsiUnit[] =
+    "HARDWARE\\DEVICEMAP\\Scsi\\Scsi Port 3\\Scsi Bus 3\\Target Id 2\\Logical Unit Id 3";
+const std::string kDiskClass = "{4D36E967-E325-11CE-BFC1-08002BE10318}";
+const std::string kDiskId = "IDE\\DISKTEST\\5&0";
+constexpr char kClasses[] = "System\\CurrentControlSet\\Control\\Class\\";
+constexpr char kNtDevices[] = "System\\CurrentControlSet\\Enum\\";
+constexpr char kOldDevices[] = "Enum\\";
+
+// In the SCSI map, which NT reads, and among the devices, where Windows 95/98/Me has its own keys.
+struct SeededDisk {
+  SeededDisk() {
+    // The system makes the map anew at each start, and takes no lasting key into it.
+    HKEY unit = nullptr;
+    EXPECT_EQ(RegCreateKeyExA(HKEY_LOCAL_MACHINE, kScsiUnit, 0, nullptr, REG_OPTION_VOLATILE,
+                              KEY_ALL_ACCESS, nullptr, &unit, nullptr),
+              ERROR_SUCCESS);
+    RegSetKeyValueA(unit, nullptr, "Type", REG_SZ, "DISKPERIPHERAL", 15);
+    RegSetKeyValueA(unit, nullptr, "Identifier", REG_SZ, "SCSI DISK  0001", 16);
+    RegCloseKey(unit);
+    PutTexts(kClasses + kDiskClass, {{"Class", "DiskDrive"}});
+    PutTexts(kNtDevices + kDiskId, {{"ClassGUID", kDiskClass}, {"DeviceDesc", "not this"}});
+    PutTexts(kOldDevices + kDiskId, {{"DeviceDesc", "A disk"}});
+  }
+  ~SeededDisk() {
+    for (const std::string& key : {std::string(kScsiMap), kClasses + kDiskClass,
+                                   kNtDevices + kDiskId, kOldDevices + kDiskId})
+      RegDeleteTreeA(HKEY_LOCAL_MACHINE, key.c_str());
+  }
+};
+
+std::string Line(const std::string& label, const std::string& field, const std::string& value) {
+  return Padded(label, 27) + Padded(field, 21) + ":  " + value;
+}
+
+// What the report says of the drives. The free space, which changes, is left out.
+std::vector<std::string> LogicalDiskLines() {
+  constexpr const char* kTypes[] = {"unknown", "no_root_dir", "removable", "fixed",
+                                    "network", "CDROM",       "RAM disk"};
+  std::vector<std::string> lines;
+  int count = 0;
+  for (wchar_t root[] = L"A:\\"; root[0] <= L'Z'; ++root[0]) {
+    if ((GetLogicalDrives() >> (root[0] - L'A') & 1) == 0) continue;
+    ++count;
+    wchar_t name[256] = {};
+    DWORD flags = 0;
+    ULARGE_INTEGER available, total = {}, free;
+    const UINT type = GetDriveTypeW(root);
+    if (type != DRIVE_REMOVABLE) {
+      GetVolumeInformationW(root, nullptr, 0, nullptr, nullptr, &flags, name, 256);
+      GetDiskFreeSpaceExW(root, &available, &total, &free);
+    }
+    lines.push_back(Line("", "Letter", {static_cast<char>(root[0])}));
+    lines.push_back(Line("", "Disk type", kTypes[type]));
+    if (root[0] > L'B') {
+      char number[16];
+      std::snprintf(number, sizeof number, "0x%08lX", flags);
+      lines.insert(
+          lines.end(),
+          {Line("", "File system name", Narrow(name)), Line("", "File system flags", number),
+           Line("", "Total space", std::to_string(total.QuadPart) + " b"),
+           Line("", "Total free space", ""), Line("", "Available free space", "")});
+    }
+    lines.emplace_back();
+  }
+  lines[0].replace(0, 27, Padded("Logical disks (total " + std::to_string(count) + ")", 27));
+  return lines;
+}
+
+// The lines below the banner.
+std::vector<std::string> Items(const std::string& keys, std::vector<std::string>& list) {
+  const Folder folder;
+  const std::string report = ReportOf(folder, "[DISK DRIVE]\r\n" + keys, {}, &list);
+  const size_t rule = report.rfind("=\r\n\r\n");
+  return ReportLines(rule == std::string::npos ? report : report.substr(rule + 5));
+}
+
+class DisksOnEveryRelease : public EveryRelease {};
+
+TEST_P(DisksOnEveryRelease, DriveLettersAreAsOtherCodeFindsThem) {
+  std::vector<std::string> list;
+  std::vector<std::string> lines = Items(
+      "TotalSpace=1\r\nFreeSpace=1\r\nAvailableFreeSpace=1\r\nFileSystemType=1\r\n"
+      "FileSystemFlags=1\r\n",
+      list);
+  for (std::string& line : lines) {
+    if (line.find(" free space") != std::string::npos) line.resize(Line("", "", "").size());
+  }
+  EXPECT_EQ(lines, LogicalDiskLines());
+  EXPECT_EQ(list.front(), ProgressLine("Logical disks...", "Ok"));
+}
+
+TEST_P(DisksOnEveryRelease, DisksOfTheRegistryWhereNoDriverTellsMore) {
+  const SeededDisk disk;
+  std::vector<std::string> list;
+  const std::vector<std::string> lines = Items("DiskDrives=1\r\n", list);
+  EXPECT_EQ(list.front(), ProgressLine("Disk drives...", "Ok"));
+  const std::string model = GetParam().has_tokens ? "SCSI DISK  0001" : "A disk";
+  const bool found = std::ranges::any_of(lines, [&](const std::string& line) {
+    return line.ends_with(Line("", "Model", model).substr(27));
+  });
+  EXPECT_TRUE(found) << Joined(lines);
+}
+
+INSTANTIATE_TEST_SUITE_P(Disks, DisksOnEveryRelease, testing::ValuesIn(kReleases),
+                         testing::PrintToStringParamName());
+
+}  // namespace
+}  // namespace drive
