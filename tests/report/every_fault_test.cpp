@@ -34,6 +34,8 @@ constexpr unsigned kAlways = 0;
 // Calls that give something back, that cannot fail, or by which the item is shown and written.
 const std::set<std::string> kSpared = {"CallWindowProcA",
                                        "CloseHandle",
+                                       "ClosePrinter",
+                                       "WSACleanup",
                                        "CoUninitialize",
                                        "DeleteDC",
                                        "DeleteObject",
