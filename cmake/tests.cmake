@@ -62,6 +62,8 @@ endfunction()
 
 add_windows_test(windows.gate Python3::Interpreter
                  ${PROJECT_SOURCE_DIR}/tests/windows/gate_test.py ${WINDOWS_FOLDER})
+add_windows_test(windows.ports Python3::Interpreter
+                 ${PROJECT_SOURCE_DIR}/tests/emulated/ports_test.py ${WINDOWS_FOLDER})
 add_windows_test(windows.contract ${PROJECT_SOURCE_DIR}/tools/under_wine.sh
                  ${WINDOWS_FOLDER}/contract_tests.exe)
 add_windows_test(windows.exe ${PROJECT_SOURCE_DIR}/tools/under_wine.sh

@@ -27,6 +27,10 @@ add_ordinary_exe(dialog_watch tools/dialog_watch.cpp)
 add_ordinary_exe(scan_times bench/scan_times.cpp tests/windows/driver.cpp
                  tests/windows/surroundings.cpp tests/windows/interception.cpp)
 target_link_libraries(scan_times PRIVATE version setupapi)
+# The program with a counter at its heap, for bench/memory.py alone.
+add_freestanding_objects(counted_heap bench/counted_heap.cpp)
+link_freestanding_exe(hscope_counted hscope_objects counted_heap)
+set_target_properties(hscope_counted hscope_counted_symbols PROPERTIES EXCLUDE_FROM_ALL ON)
 
 # The mail client of the tests: with all functions of Simple MAPI, and with one of them missing.
 function(add_mail_libraries)
@@ -80,6 +84,12 @@ if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
     add_version_dll(v_silent "" ${VERSION_RESOURCE})
     add_version_dll(v_bare VERSION_SIZES=0)
 
+    # The way to controller ports by itself.
+    add_ordinary_exe(ports_attempt tests/windows/ports_attempt/ports_attempt.cpp
+      $<FILTER:$<TARGET_OBJECTS:hscope_objects>,INCLUDE,platform/windows/ports[.]cpp>)
+    target_link_options(ports_attempt PRIVATE -mwindows)
+    add_dependencies(exe_tests ports_attempt)
+
     # Stands in for a library that the program looks for on Windows 95/98/Me.
     add_library(rsrc32 SHARED tests/windows/libraries/rsrc32.cpp)
     set_target_properties(rsrc32 PROPERTIES PREFIX "")
@@ -93,3 +103,20 @@ if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
     target_link_libraries(contract_tests PRIVATE GTest::gtest_main version winmm msacm32 msvfw32)
   endif()
 endif()
+
+# A kernel for the emulator, with the exe's own object code for controller ports in it. The emulator
+# takes the file as the memory it is.
+function(add_ports_kernel)
+  file(GLOB sources CONFIGURE_DEPENDS tests/emulated/*.cpp)
+  add_freestanding_objects(ports_kernel_objects ${sources})
+  set(shipped "platform/windows/(ports|memory)[.]cpp|ata_identify[.]cpp")
+  add_executable(ports_kernel $<TARGET_OBJECTS:ports_kernel_objects>
+                 $<FILTER:$<TARGET_OBJECTS:hscope_objects>,INCLUDE,${shipped}>)
+  set_target_properties(ports_kernel PROPERTIES LINKER_LANGUAGE CXX)
+  target_link_options(ports_kernel PRIVATE -nostdlib -nostartfiles -static -Wl,--entry=boot
+                      -Wl,--image-base=0x100000 -Wl,--gc-sections -Wl,--disable-reloc-section)
+  add_custom_command(TARGET ports_kernel POST_BUILD BYPRODUCTS ports_kernel.bin VERBATIM
+    COMMAND ${CMAKE_OBJCOPY} -O binary --set-section-flags .bss=alloc,load,contents
+            $<TARGET_FILE:ports_kernel> ports_kernel.bin)
+endfunction()
+add_ports_kernel()

@@ -3,13 +3,13 @@
 #
 #   tools/setup.sh             install every group that is missing
 #   tools/setup.sh has GROUP   ask, in silence, whether a group is there: native, fuzz, cross, wine,
-#                              display
+#                              display, emulator
 #
 # Only the native group is a must: the exit code is non-zero when it can't be had. A machine without
 # one of the others builds and tests less, and is told so.
 set -euo pipefail
 
-readonly all_groups=(native fuzz cross wine display)
+readonly all_groups=(native fuzz cross wine display emulator)
 
 declare -rA purpose=(
   [native]="building and testing the Linux program"
@@ -17,6 +17,7 @@ declare -rA purpose=(
   [cross]="building hscope.exe"
   [wine]="running hscope.exe"
   [display]="pressing keys in hscope.exe and taking its picture"
+  [emulator]="trying the way to controller ports of hscope.exe on emulated hardware"
 )
 
 declare -rA packages=(
@@ -25,6 +26,7 @@ declare -rA packages=(
   [cross]="g++-mingw-w64-i686-posix"
   [wine]="wine wine32:i386 xvfb fonts-wine fonts-dejavu-core"
   [display]="xdotool imagemagick"
+  [emulator]="qemu-system-x86"
 )
 
 have() {
@@ -53,6 +55,8 @@ has_wine() {
 
 # ImageMagick's own `import`: another program of that name is of no use here.
 has_display() { have xdotool import && import -version 2>/dev/null | grep -q ImageMagick; }
+
+has_emulator() { have qemu-system-i386; }
 
 say() { printf 'setup: %s\n' "$*"; }
 
@@ -114,32 +118,39 @@ fetch_release_lists() {
   apt "${release_only[@]}" update
 }
 
-# Wine needs libraries of a second architecture, and the two halves of a library must have the same
+# Where libraries of two architectures are installed, the two halves of a library must have the same
 # version. An archive may give the updates of one architecture only, and then they never match: so next
 # the release itself is tried, and last with the machine's own halves set back to it.
-install_two_architectures() {
+# install_matching FOLDER PACKAGES...; the folder is for the lists.
+install_matching() {
   local folder=$1 older=()
   shift
-  as_root dpkg --add-architecture i386
-  lists_updated=no
-  update_lists
+  release_only=()
   if ! can_install "$@"; then
     fetch_release_lists "$folder" || return 1
     if ! can_install "${release_only[@]}" "$@"; then
-      say "setting libraries that Wine shares back to the versions of the release"
+      say "setting libraries of both architectures back to the versions of the release"
       older=(-o "Dir::Etc::preferences=$folder/older" --allow-downgrades)
     fi
   fi
   apt install --no-install-recommends "${release_only[@]}" "${older[@]}" "$@"
 }
 
-install_wine() {
+install_for_two_architectures() {
   local folder status=0
+  update_lists
   folder=$(mktemp -d)
   chmod 755 "$folder"
-  install_two_architectures "$folder" "$@" || status=$?
+  install_matching "$folder" "$@" || status=$?
   as_root rm -rf "$folder"
   return "$status"
+}
+
+# Its 32-bit half is of the second architecture.
+install_wine() {
+  as_root dpkg --add-architecture i386
+  lists_updated=no
+  install_for_two_architectures "$@"
 }
 
 install_group() {
@@ -148,6 +159,8 @@ install_group() {
   say "installing for ${purpose[$group]}: ${wanted[*]}"
   case $group in
     wine) install_wine "${wanted[@]}" ;;
+    # It shares libraries with Wine.
+    emulator) install_for_two_architectures "${wanted[@]}" ;;
     *) install_plainly "${wanted[@]}" ;;
   esac
 }

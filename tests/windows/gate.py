@@ -7,7 +7,7 @@
 With --plugin the file is a plug-in that exports this function and nothing else.
 Prints each finding on a line of its own; exit code 1 when there is any, 0 when there is none, 2
 when the gate could not look. Without the file with symbols a static constructor has no name, and no
-function can have an allowance for younger instructions.
+function can have an allowance for the instructions of the list.
 """
 
 import argparse
@@ -221,13 +221,21 @@ CONDITIONS = "o no b ae e ne be a s ns p np l ge le g".split()
 
 # As the disassembler names them in its Intel notation.
 INTEGER_INSTRUCTIONS = set("""
-    aaa aad aam aas adc add and arpl bound bsf bsr bt btc btr bts call cbw cdq clc cld cli clts cmc
-    cmp cmps cwd cwde daa das dec div enter hlt idiv imul in inc ins int int3 into iret iretd iretw
-    jcxz jecxz jmp lahf lar lds lea leave les lfs lgdt lgs lidt lldt lmsw lods loop loope loopne lsl
-    lss ltr mov movs movsx movzx mul neg nop not or out outs pop popa popaw popf popfw push pusha
-    pushaw pushf pushfw rcl rcr ret retf rol ror sahf sal sar sbb scas sgdt shl shld shr shrd sidt
-    sldt smsw stc std sti stos str sub test verr verw xchg xlat xor wait fwait
+    aaa aad aam aas adc add and bound bsf bsr bt btc btr bts call cbw cdq clc cld cmc cmp cmps cwd
+    cwde daa das dec div enter idiv imul inc int3 jcxz jecxz jmp lahf lds lea leave les lfs lgs lods
+    loop loope loopne lss mov movs movsx movzx mul neg nop not or pop popa popaw popf popfw push pusha
+    pushaw pushf pushfw rcl rcr ret rol ror sahf sal sar sbb scas shl shld shr shrd stc std stos sub
+    test xchg xlat xor wait fwait
     """.split()) | {"j" + c for c in CONDITIONS} | {"set" + c for c in CONDITIONS}
+
+# These reach past the system, or ask about what is the system's alone; some systems stop the program.
+SYSTEM_INSTRUCTIONS = set("""
+    arpl callf cli clts hlt in ins int into iret iretd iretw jmpf lar lgdtd lidtd lldt lmsw lsl ltr
+    movcr out outs retf sgdtd sidtd sldt smsw sti str verr verw
+    """.split())
+SYSTEM_FORMS = ((re.compile("call (?:FWORD|0x[0-9a-f]+:)"), "callf"),
+                (re.compile("jmp (?:FWORD|0x[0-9a-f]+:)"), "jmpf"),
+                (re.compile(r"mov .*\b[cdt]r\d"), "movcr"))
 
 FLOAT_INSTRUCTIONS = set("""
     f2xm1 fabs fadd faddp fbld fbstp fchs fclex fcom fcomp fcompp fcos fdecstp fdiv fdivp fdivr
@@ -248,17 +256,18 @@ EMPTY_TABLES = bytes.fromhex("ffffffff00000000") * 2
 
 
 def instructions(path, end):
-    """(function without its arguments, address, mnemonic) of every instruction before the end."""
+    """(function without unnamed namespaces and arguments, address, mnemonic) of every instruction before the end."""
     command = [OBJDUMP, "-d", "-C", "-w", "-M", "intel", f"--stop-address={end:#x}", path]
     listing = subprocess.run(command, check=True, stdout=subprocess.PIPE, encoding="latin-1").stdout
     function = ""
     for line in listing.splitlines():
         if match := FUNCTION_LINE.match(line):
-            function = match[1].split("(")[0]
+            function = match[1].replace("(anonymous namespace)::", "").split("(")[0]
         elif match := INSTRUCTION_LINE.match(line):
             words = [word for word in match[2].split() if word not in PREFIXES]
             # A prefix that stands alone is an instruction of its own to the disassembler.
-            yield function, match[1], words[0] if words else "nop"
+            form = next((name for form, name in SYSTEM_FORMS if form.match(" ".join(words))), None)
+            yield function, match[1], form or (words[0] if words else "nop")
 
 
 def check_code(path, allowances):
@@ -272,8 +281,11 @@ def check_code(path, allowances):
     count = 0
     for function, address, mnemonic in instructions(path, end):
         count += 1
-        if mnemonic not in known and mnemonic not in allowances.get(function, ()):
-            yield f"code: {mnemonic} at {address} in {function}: not of an 80386 or 80387"
+        if mnemonic in known or mnemonic in allowances.get(function, ()):
+            continue
+        why = ("reaches past the system" if mnemonic in SYSTEM_INSTRUCTIONS
+               else "not of an 80386 or 80387")
+        yield f"code: {mnemonic} at {address} in {function}: {why}"
     if count == 0:
         yield "code: no instructions found"
 

@@ -159,6 +159,7 @@ class BuiltFaults(Table):
                           "GetClassInfoExA is not", "LoadImageA is not"],
         "import_by_number": ["import: COMCTL32.DLL by the number 328"],
         "young_instructions": ["cmove at .* in Fault", "bswap at", "cmpxchg at", "fcomi at"],
+        "port_transfer": ["in at .* in Fault: reaches past", "callf at", "movcr at"],
         "processor_question": ["cpuid at .* in hostscope::AskProcessor"],
         "static_constructor": ["static constructor or destructor __GLOBAL__sub_I",
                                "does not end with empty tables"],
