@@ -40,10 +40,11 @@ struct WindowsSocketsState {
   char status[129] = {};
 };
 
+// The functions that list the processes, bound for the time of one listing: NT has one of its own,
+// the other systems have tool help.
 struct ProcessListingState {
-  bool loaded = false;
-  HMODULE module = nullptr;
-  bool module_was_present = true;
+  BoundLibrary<1> native;
+  BoundLibrary<5> tool_help;
 };
 
 // The facts and bindings that several probes of one run share. Made after the report file has been

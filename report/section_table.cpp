@@ -9,6 +9,7 @@
 #include "probes/devices/joysticks.h"
 #include "probes/devices/logical_disks.h"
 #include "probes/devices/midi_devices.h"
+#include "probes/devices/processes.h"
 #include "probes/devices/network.h"
 #include "probes/devices/printers.h"
 #include "probes/devices/video_codecs.h"
@@ -285,6 +286,12 @@ constexpr Item kPrinterItems[] = {
      .write_lines = WritePrinters},
 };
 
+constexpr Item kProcessItems[] = {
+    {.progress_label = "Processes...",
+     .switches = kAnyOf<&Settings::processes>,
+     .write_lines = WriteProcesses},
+};
+
 constexpr Item kRegistryItems[] = {
     {.progress_label = "Registry keys...", .write_lines = WriteRegistryKeys},
 };
@@ -323,7 +330,7 @@ constexpr Section kSections[] = {
      .items = kDiskControllerItems},
     {.banner = "USB CONTROLLERS", .profile_section = "USB", .items = kUsbItems},
     {.banner = "PRINTERS", .profile_section = "PRINTER", .items = kPrinterItems},
-    {.banner = "PROCESSES", .profile_section = "PROCESS"},
+    {.banner = "PROCESSES", .profile_section = "PROCESS", .items = kProcessItems},
     {.banner = "DLLS VERSIONS", .list = &Settings::dlls, .items = kDllItems},
     {.banner = "REGISTRY KEYS", .list = &Settings::registry_keys, .items = kRegistryItems},
     // The scan that appends to the folders below; it has no banner.

@@ -39,6 +39,8 @@ class RecordArray {
   const Record* GetAs(int index) const {
     return static_cast<const Record*>(Get(index));
   }
+  // Drops the records; the array stays present and empty. An absent one stays absent.
+  void Clear() { count_ = 0; }
   // Releases the records; the array is absent afterwards. Nothing happens to an absent one.
   void Destroy();
 

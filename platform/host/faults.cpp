@@ -25,6 +25,12 @@ void Faults::AtCall(std::string_view function, std::function<void()> action) {
   EntryOf(function).action = std::move(action);
 }
 
+void Faults::Forget() {
+  const std::lock_guard lock(mutex_);
+  for (auto& [function, entry] : entries_)
+    entry = {.calls = entry.calls};
+}
+
 unsigned Faults::CallCount(std::string_view function) const {
   const std::lock_guard lock(mutex_);
   const auto found = entries_.find(function);

@@ -25,6 +25,8 @@ class Faults {
   // Runs at every call of the function, on the calling thread, before the call does its work. An
   // empty action ends that.
   void AtCall(std::string_view function, std::function<void()> action);
+  // Nothing is stated any more; the counts stay.
+  void Forget();
   // How often the function has been called on this machine.
   unsigned CallCount(std::string_view function) const;
   // Every function that has been called on this machine, with its count.

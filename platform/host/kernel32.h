@@ -60,6 +60,13 @@ inline constexpr DWORD MAX_COMPUTERNAME_LENGTH = 15;
 inline constexpr UINT SEM_FAILCRITICALERRORS = 0x1;
 inline constexpr UINT SEM_NOOPENFILEERRORBOX = 0x8000;
 
+inline constexpr DWORD PROCESS_VM_READ = 0x10;
+inline constexpr DWORD PROCESS_QUERY_INFORMATION = 0x400;
+inline constexpr DWORD NORMAL_PRIORITY_CLASS = 0x20;
+inline constexpr DWORD IDLE_PRIORITY_CLASS = 0x40;
+inline constexpr DWORD HIGH_PRIORITY_CLASS = 0x80;
+inline constexpr DWORD REALTIME_PRIORITY_CLASS = 0x100;
+
 inline constexpr UINT DRIVE_UNKNOWN = 0;
 inline constexpr UINT DRIVE_NO_ROOT_DIR = 1;
 inline constexpr UINT DRIVE_REMOVABLE = 2;
@@ -323,6 +330,12 @@ DWORD WINAPI GetCurrentProcessId();
 void WINAPI OutputDebugStringA(LPCSTR text);
 [[noreturn]] void WINAPI ExitProcess(UINT code);
 void WINAPI Sleep(DWORD milliseconds);
+
+// ---- processes: kernel32_processes.cpp ----
+
+HANDLE WINAPI OpenProcess(DWORD access, BOOL inherit, DWORD id);
+DWORD WINAPI GetPriorityClass(HANDLE process);
+DWORD WINAPI GetProcessVersion(DWORD id);
 
 // ---- libraries: kernel32_modules.cpp ----
 

@@ -37,7 +37,8 @@ bool IsPseudoHandle(HANDLE handle) {
 
 // Handles of other functions have their own ways of closing.
 bool IsClosedByCloseHandle(const Object& object) {
-  constexpr std::array<std::string_view, 4> kKinds = {"device", "file", "thread", "token"};
+  constexpr std::array<std::string_view, 6> kKinds = {"device",   "file",   "process",
+                                                      "snapshot", "thread", "token"};
   return std::find(kKinds.begin(), kKinds.end(), object.kind()) != kKinds.end();
 }
 

@@ -98,10 +98,16 @@ struct YoungFunction {
   DWORD nt_major;
   WORD old_build;
 };
+constexpr WORD kAlways = 0;
 constexpr WORD kNever = 0xFFFF;
 constexpr WORD kWindows95Osr2 = 1111;
-constexpr YoungFunction kYoungFunctions[] = {{"GetDiskFreeSpaceExA", 4, kWindows95Osr2},
-                                             {"GlobalMemoryStatusEx", 5, kNever}};
+constexpr YoungFunction kYoungFunctions[] = {{"CreateToolhelp32Snapshot", 5, kAlways},
+                                             {"GetDiskFreeSpaceExA", 4, kWindows95Osr2},
+                                             {"GlobalMemoryStatusEx", 5, kNever},
+                                             {"Module32First", 5, kAlways},
+                                             {"Module32Next", 5, kAlways},
+                                             {"Process32First", 5, kAlways},
+                                             {"Process32Next", 5, kAlways}};
 
 bool IsTooYoung(const Machine& machine, std::string_view name) {
   const WindowsVersion& version = machine.version;

@@ -16,8 +16,6 @@ namespace {
 std::atomic<DWORD> next_thread_id = 0x104;
 thread_local DWORD current_thread_id = 0;
 
-constexpr DWORD kProcessId = 0x100;
-
 }  // namespace
 
 Thread::Thread() : Object("thread"), id_(next_thread_id.fetch_add(4)) {}
@@ -84,7 +82,7 @@ DWORD WINAPI GetCurrentThreadId() {
 
 DWORD WINAPI GetCurrentProcessId() {
   if (CallFails("GetCurrentProcessId")) return 0;
-  return kProcessId;
+  return CurrentMachine().processes.own_id;
 }
 
 void WINAPI ExitProcess(UINT code) {

@@ -1,11 +1,13 @@
 #include "probes/devices/video_codecs.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "probes/devices/record_list.h"
 #include "util/file_version.h"
 #include "util/library.h"
 #include "util/text.h"
+#include "util/wide_text.h"
 
 namespace hostscope {
 namespace {
@@ -50,20 +52,15 @@ bool FindCompressor(const VideoManager& manager, DWORD index, ICINFO& info) {
   return true;
 }
 
-// The 16-bit text in the system's code page. A driver may have left it without a terminator.
+// A driver may have left its text without a terminator.
 template <std::size_t kUnits, std::size_t kSize>
-void ConvertText(WCHAR (&wide)[kUnits], char (&text)[kSize]) {
-  wide[kUnits - 1] = 0;
-  // Composed characters for decomposed ones. A system whose code page is UTF-8 takes no flags.
-  for (const DWORD flags : {DWORD{WC_COMPOSITECHECK | WC_DISCARDNS}, DWORD{0}}) {
-    if (WideCharToMultiByte(CP_ACP, flags, wide, -1, text, kSize, nullptr, nullptr) > 0) return;
-  }
-  // A conversion that breaks off has written a part.
-  text[0] = '\0';
+void ConvertText(const WCHAR (&wide)[kUnits], char (&text)[kSize]) {
+  const WCHAR* const end = std::find(wide, wide + kUnits - 1, WCHAR{0});
+  NarrowText(wide, static_cast<std::size_t>(end - wide), text);
 }
 
 // All but the version, for which the driver's file has to be read.
-VideoCodecRecord RecordOf(ICINFO& info) {
+VideoCodecRecord RecordOf(const ICINFO& info) {
   VideoCodecRecord codec = {};
   codec.handler = info.fccHandler;
   ConvertText(info.szDescription, codec.description);

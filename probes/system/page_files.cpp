@@ -117,7 +117,10 @@ bool TakePageFile(const char*& list, PageFileRecord& record) {
 }
 
 bool ReadPageFiles(ProbeContext& context) {
-  context.page_files.Create(kPageFileRecordSize);
+  // Emptied in place: of Windows 95/98/Me there is a record also when memory is short.
+  context.page_files.Clear();
+  if (!context.page_files.present() && !context.page_files.Create(kPageFileRecordSize))
+    return false;
   if (context.is_nt()) return ReadNtPageFiles(context.page_files);
   ReadWindows9xPageFile(context.page_files);
   return true;

@@ -12,7 +12,7 @@ namespace hostscope {
 bool TakePageFile(const char*& list, PageFileRecord& record);
 
 // Fills the context's page-file list anew. NT: what its registry lists; false when it does not.
-// Windows 95/98/Me: the one swap file.
+// Windows 95/98/Me: the one swap file. False also when there is no memory for a list.
 bool ReadPageFiles(ProbeContext& context);
 
 // A line for each page file, or the bare label; false when they cannot be read.

@@ -303,13 +303,13 @@ void Describe(host::Machine& machine) {
   spare.name = kSpareLibrary;
   spare.exports[kSpareFunction] = host::Export(&Describe);
   machine.libraries.Add(spare);
-  machine.disks.letters['C'] = {.volume =
-                                    host::Volume{"NTFS", 0x1F, 8, 512, 300000, 200000, 200000}};
   machine.network = {.version = 0x0202,
                      .description = "WinSock 2.0",
                      .status = "Running",
                      .host_name = "contract",
                      .hosts = {{"contract", {{127, 0, 0, 1}}, {}}}};
+  machine.disks.letters['C'] = {.volume =
+                                    host::Volume{"NTFS", 0x1F, 8, 512, 300000, 200000, 200000}};
   machine.multimedia.audio_codecs = {{0x04000000, "IMA ADPCM"}, {0x01000000, "MS ADPCM"}};
   machine.multimedia.video_codecs = {{0x656C726D, "RLE", "msrle32.dll"},
                                      {0x6376736D, "Video 1", "msvidc32.dll"},

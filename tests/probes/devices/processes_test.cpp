@@ -1,0 +1,248 @@
+// The process list of both families, also damaged and with platform calls failing.
+
+#include "probes/devices/processes.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+
+#include "tests/support/report_run.h"
+
+namespace hostscope {
+namespace {
+
+using host::Machine;
+using test::ReportRun;
+
+constexpr char kProfile[] = "[PROCESS]\r\nProcesses=1\r\n";
+
+void DescribeProcesses(Machine& machine) {
+  machine.processes = {.listed = {{.id = 0, .memory = 16384},
+                                  {.id = 2, .name = "System", .refused = true, .threads = 28},
+                                  {.id = 420,
+                                   .name = "explorer.exe",
+                                   .priority_class = 0x4000,
+                                   .version = 0x0004000A,
+                                   .threads = 5,
+                                   .handles = 88,
+                                   .memory = 5242880,
+                                   .pagefile = 4294967295,
+                                   .page_faults = 30518,
+                                   .paged_pool = 22820,
+                                   .non_paged_pool = 4480}},
+                       .own_id = 420};
+}
+
+std::string Line(const char* label, const char* field, const std::string& value) {
+  char text[100];
+  wsprintfA(text, "%-27s%-15s:  %s\r\n", label, field, value.c_str());
+  return text;
+}
+
+TEST(Processes, OfNtAreListed) {
+  ReportRun run;
+  DescribeProcesses(run.machine());
+  run.Run(kProfile);
+  const auto none = [](const char* memory, const char* threads) {
+    return Line("", "Memory usage", memory) + Line("", "Pagefile usage", "0 b") +
+           Line("", "Paged pool", "0 b") + Line("", "Non-paged pool", "0 b") +
+           Line("", "Threads", threads) + Line("", "Handles", "0") + Line("", "Page faults", "0") +
+           "\r\n";
+  };
+  EXPECT_EQ(
+      run.LastSection(),
+      Line("Processes (total 3)", "PID", "0x0 (0)") + Line("", "Image", "System idle process") +
+          Line("", "Valid", "Yes") + Line("", "Priority", "unknown") + Line("", "Version", "4.10") +
+          none("16384 b", "1") + Line("", "PID", "0x2 (2)") + Line("", "Image", "System") +
+          Line("", "Valid", "Yes") + Line("", "Priority", "unknown") + Line("", "Version", "0.0") +
+          none("0 b", "28") + Line("", "PID", "0x1a4 (420)") + Line("", "Image", "explorer.exe") +
+          Line("", "Valid", "Yes") + Line("", "Priority", "unknown (0x4000)") +
+          Line("", "Version", "4.10") + Line("", "Memory usage", "5242880 b") +
+          Line("", "Pagefile usage", "4294967295 b") + Line("", "Paged pool", "22820 b") +
+          Line("", "Non-paged pool", "4480 b") + Line("", "Threads", "5") +
+          Line("", "Handles", "88") + Line("", "Page faults", "30518") + "\r\n");
+  EXPECT_EQ(run.Progress().back(), "Processes...             Ok");
+  EXPECT_EQ(run.machine().faults.CallCount("CreateToolhelp32Snapshot"), 0u);
+}
+
+// The texts behind the labels of the fields, each process ended by "|", and the status word.
+std::string Values(ReportRun& run) {
+  const std::string report = run.Report();
+  const std::size_t begin = report.find("Processes");
+  std::string text;
+  for (std::size_t at = begin; at < report.size();) {
+    const std::size_t end = report.find("\r\n", at);
+    const std::string line = report.substr(at, end - at);
+    text += line.empty() ? "|" : at == begin ? line : line.substr(45) + ";";
+    at = end + 2;
+  }
+  return text + run.Progress().back().substr(25);
+}
+
+constexpr char kSecond[] = "C:\\A.EXE;Yes;idle (0x40);3.10;|";
+
+TEST(Processes, WhatIsNotThereOrFails) {
+  const auto failing = [](const char* function, unsigned n) {
+    return [=](Machine& machine) { machine.faults.FailNth(function, n, ERROR_ACCESS_DENIED); };
+  };
+  const auto without = [](const char* library, const char* function) {
+    return [=](Machine& machine) { machine.libraries.RemoveExport(library, function); };
+  };
+  const std::string first = "Processes (total 2)        PID            :  0xfff1 (65521)";
+  const std::string open = "K;Yes;high (0x80);4.0;|";
+  const struct {
+    bool is_nt;
+    const char* what;
+    std::function<void(Machine&)> change;
+    std::string expected;
+  } rows[] = {
+      {false, "nothing", [](Machine&) {}, first + open + "0x100 (256);" + kSecond + "Ok"},
+      {false, "first", failing("Process32First", 1), "Processes (total 0)Ok"},
+      {false, "next", failing("Process32Next", 1),
+       "Processes (total 1)        PID            :  0xfff1 (65521)" + open + "Ok"},
+      {false, "snapshot", failing("CreateToolhelp32Snapshot", 1), "ProcessesFailed"},
+      {false, "create", without("KERNEL32.DLL", "CreateToolhelp32Snapshot"), "ProcessesFailed"},
+      {false, "no first", without("KERNEL32.DLL", "Process32First"), "ProcessesFailed"},
+      {false, "no next", without("KERNEL32.DLL", "Process32Next"), "ProcessesFailed"},
+      {false, "modules", without("KERNEL32.DLL", "Module32First"), "ProcessesFailed"},
+      {false, "next module", without("KERNEL32.DLL", "Module32Next"), "ProcessesFailed"},
+      {false, "no valid", failing("OpenProcess", 1),
+       first + "K;No;high (0x80);4.0;|0x100 (256);" + kSecond + "Ok"},
+      {false, "no priority", failing("OpenProcess", 2),
+       first + "K;Yes;unknown;4.0;|0x100 (256);" + kSecond + "Ok"},
+      {false, "class", failing("GetPriorityClass", 1),
+       first + "K;Yes;unknown (0x0);4.0;|0x100 (256);" + kSecond + "Ok"},
+      {false, "version", failing("GetProcessVersion", 1),
+       first + "K;Yes;high (0x80);0.0;|0x100 (256);" + kSecond + "Ok"},
+      {false, "no end",
+       [](Machine& machine) {
+         machine.libraries.Add(
+             {.name = "KERNEL32.DLL",
+              .exports = {{"Process32Next", host::Export(+[](HANDLE, LPPROCESSENTRY32 entry) {
+                             std::memset(entry->szExeFile, 'x', sizeof entry->szExeFile);
+                             return BOOL{TRUE};
+                           })}}});
+       },
+       "Processes (total 4096)"},
+      {true, "function", without("NTDLL.DLL", "NtQuerySystemInformation"), "ProcessesFailed"},
+      {true, "library", [](Machine& machine) { machine.libraries.Remove("NTDLL.DLL"); },
+       "ProcessesFailed"},
+      {true, "refused", failing("NtQuerySystemInformation", 1), "ProcessesFailed"},
+      {true, "memory", failing("VirtualAlloc", 1), "ProcessesFailed"},
+      {true, "too long", [](Machine& machine) { machine.processes.listed[0].threads = 1100; },
+       "ProcessesFailed"},
+  };
+  for (const auto& row : rows) {
+    ReportRun run;
+    Machine& machine = run.machine();
+    machine.version.platform_id = row.is_nt ? 2 : 1;
+    machine.processes = {
+        .listed = {
+            {.id = 0xFFF1, .name = "K", .priority_class = 0x80},
+            {.id = 0x100, .name = "C:\\A.EXE", .priority_class = 0x40, .version = 0x0003000A}}};
+    run.Run("");
+    const auto before = machine.handles.OpenObjects();
+    row.change(machine);
+    run.Run(kProfile);
+    const std::string values = Values(run);
+    EXPECT_EQ(values.substr(0, row.what == std::string("no end") ? 22 : values.size()),
+              row.expected)
+        << row.what;
+    EXPECT_EQ(machine.handles.OpenObjects(), before) << row.what;
+  }
+}
+
+// A library that the process does not have is loaded, and given back on every path; the functions
+// are looked up anew each time.
+TEST(Processes, ALibraryLoadedHereIsGivenBack) {
+  ReportRun run;
+  Machine& machine = run.machine();
+  machine.libraries.Remove("NTDLL.DLL");
+  machine.libraries.Add({.name = "NTDLL.DLL", .exports = {HOST_EXPORT(NtQuerySystemInformation)}});
+  ProbeContext context;
+  RecordArray processes;
+  ASSERT_TRUE(processes.Create(sizeof(ProcessRecord)));
+  EXPECT_TRUE(LoadProcessFunctions(context) && LoadProcessFunctions(context));
+  EXPECT_EQ(machine.libraries.References("NTDLL.DLL"), 1u);
+  EXPECT_TRUE(CollectProcesses(context, processes));
+  EXPECT_EQ(machine.libraries.References("NTDLL.DLL"), 0u);
+  machine.libraries.RemoveExport("NTDLL.DLL", "NtQuerySystemInformation");
+  EXPECT_FALSE(CollectProcesses(context, processes));
+  EXPECT_EQ(machine.libraries.References("NTDLL.DLL"), 0u);
+  EXPECT_EQ(processes.count(), 1);
+}
+
+std::function<void(char* list, DWORD address)> spoil;
+
+LONG WINAPI SpoiltList(ULONG information_class, PVOID list, ULONG size, ULONG* returned) {
+  const LONG status = NtQuerySystemInformation(information_class, list, size, returned);
+  spoil(static_cast<char*>(list), static_cast<DWORD>(reinterpret_cast<std::uintptr_t>(list)));
+  return status;
+}
+
+TEST(Processes, ADamagedListIsSafe) {
+  const std::string all = "first;second;hscope.exe;", others = "second;hscope.exe;";
+  // Of the first entry: where the next one is, the name's length, most length and address.
+  const struct {
+    const char* what;
+    std::size_t offset;
+    DWORD value;
+    bool of_list;  // the value is an offset in the list
+    std::string images;
+  } rows[] = {
+      {"sound", 0x40, 0, false, all},
+      {"next into itself", 0, 4, false, "first;"},
+      {"next far out", 0, 0xFFFFFFF0, false, "first;"},
+      {"next at the end", 0, 65536, false, "first;"},
+      {"next in part behind the end", 0, 65536 - 0x83, false, "first;"},
+      {"no address", 0x3C, 0, false, ";" + others},
+      {"odd address", 0x3C, 0x89, true, ";" + others},
+      {"before the list", 0x3C, 0xFFFFFFFE, true, ";" + others},
+      {"at the end", 0x3C, 65536, true, ";" + others},
+      {"in part behind the end", 0x3C, 65536 - 8, true, ";" + others},
+      {"no length", 0x38, 12 << 16, false, ";" + others},
+      {"half a character", 0x38, 12 << 16 | 5, false, "fi;" + others},
+      {"longer than its room", 0x38, 4 << 16 | 10, false, "fi;" + others},
+      {"no room", 0x38, 10, false, ";" + others},
+      {"longer than the list", 0x38, 0xFFFFFFFF, false, ";" + others},
+  };
+  for (const auto& row : rows) {
+    ReportRun run;
+    Machine& machine = run.machine();
+    machine.processes.listed = {{.id = 4, .name = "first", .threads = 0},
+                                {.id = 8, .name = "second"}};
+    machine.libraries.Add({.name = "NTDLL.DLL",
+                           .exports = {{"NtQuerySystemInformation", host::Export(&SpoiltList)}}});
+    spoil = [&](char* list, DWORD address) {
+      const DWORD value = row.value + (row.of_list ? address : 0);
+      std::memcpy(list + row.offset, &value, sizeof value);
+    };
+    ProbeContext context;
+    RecordArray processes;
+    ASSERT_TRUE(processes.Create(sizeof(ProcessRecord)));
+    EXPECT_TRUE(CollectProcesses(context, processes)) << row.what;
+    std::string images;
+    for (int i = 0; i < processes.count(); ++i)
+      images += processes.GetAs<ProcessRecord>(i)->image_name + std::string(";");
+    EXPECT_EQ(images, row.images) << row.what;
+  }
+}
+
+TEST(Processes, LongNamesAreCut) {
+  ReportRun run;
+  run.machine().processes.listed = {{.id = 4, .name = std::string(300, 'n') + "\x80"}};
+  run.Run(kProfile);
+  EXPECT_NE(run.Report().find(":  " + std::string(259, 'n') + "\r\n"), std::string::npos);
+}
+
+TEST(Processes, PriorityClassNames) {
+  constexpr std::pair<std::uint32_t, const char*> kRows[] = {
+      {0x20, "normal"},    {0x40, "idle"}, {0x80, "high"},      {0x100, "real-time"},
+      {0x4000, "unknown"}, {0, "unknown"}, {0x8000, "unknown"}, {0x21, "unknown"}};
+  for (const auto& [number, name] : kRows)
+    EXPECT_STREQ(PriorityClassName(number), name) << number;
+}
+
+}  // namespace
+}  // namespace hostscope
