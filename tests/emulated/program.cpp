@@ -217,32 +217,9 @@ void TransferInSecondProgram() {
   LeaveProcessor();
 }
 
-// Another program has seen the slot free and claims it after the first, the second, ... instruction
-// of a transfer. It gets the first, the first two, ... instructions for that, then the transfer
-// goes on.
-void ShowSecondClaimant() {
-  std::uint32_t cases = 0;
-  std::uint32_t refused = 0;
-  std::uint32_t refused_other = 0;
-  bool is_well = true;
-  Steps steps = {};
-  for (std::uint32_t own = 1; own == 1 || steps.count >= own - 1; ++own) {
-    for (std::uint32_t other = 1; other == 1 || steps.other_count >= other - 1; ++other) {
-      std::uint8_t byte = other_byte = 0;
-      PrepareTable(kSmallTable);
-      is_well &= TryPorts().byte;
-      BeginTurns({TransferInSecondProgram, true, own, other});
-      const bool reached = ReadPortByte(kConsole, byte);
-      steps = EndSteps();
-      is_well &= steps.well && reached == (byte == kConsole) &&
-                 other_reached == (other_byte == kConsole) && ExamineTable().is_as_before;
-      ++cases;
-      refused += !reached;
-      refused_other += !other_reached;
-    }
-  }
-  PutLine("second claimant: ", cases, " cases, transfers refused ", refused, " and ", refused_other,
-          ", well ", YesOrNo(is_well));
+void TransferInSecondThread() {
+  ReadPortByte(kConsole, other_byte);
+  LeaveProcessor();
 }
 
 void EndTransfers() {
@@ -251,32 +228,35 @@ void EndTransfers() {
   LeaveProcessor();
 }
 
-void TransferInThread() {
-  ReadPortByte(kConsole, other_byte);
-  LeaveProcessor();
-}
-
-// Another thread wants no transfers any more after the first, the second, ... instruction of one.
-void ShowEnd() {
+// The other one comes after the first, the second, ... instruction of a transfer and gets its
+// first, its first two, ... instructions. Then the transfer goes on.
+void ShowTurns(std::string_view what, void (*other)(), bool up_to_claim) {
   std::uint32_t cases = 0;
   std::uint32_t refused = 0;
   bool is_well = true;
   Steps steps = {};
   for (std::uint32_t own = 1; own == 1 || steps.count >= own - 1; ++own) {
-    std::uint8_t byte = 0;
-    port_transfers_ended = false;
-    PrepareTable(kSmallTable);
-    is_well &= TryPorts().byte;
-    BeginTurns({EndTransfers, false, own, 0});
-    const bool reached = ReadPortByte(kConsole, byte);
-    steps = EndSteps();
-    is_well &= steps.well && reached == (byte == kConsole) && ExamineTable().is_as_before;
-    ++cases;
-    refused += !reached;
+    for (std::uint32_t others = 1; others == 1 || steps.other_count >= others - 1; ++others) {
+      std::uint8_t byte = other_byte = 0;
+      other_reached = port_transfers_ended = false;
+      PrepareTable(kSmallTable);
+      is_well &= TryPorts().byte;
+      BeginTurns({other, up_to_claim, own, others});
+      const bool reached = ReadPortByte(kConsole, byte);
+      steps = EndSteps();
+      is_well &= steps.well && reached == (byte == kConsole) &&
+                 other_reached == (other_byte == kConsole) && ExamineTable().is_as_before;
+      ++cases;
+      refused += !reached;
+    }
   }
-  PutLine("end: ", cases, " cases, transfers refused ", refused, ", well ", YesOrNo(is_well));
-  // A thread that is ended in the middle of a transfer is not waited for for ever.
-  BeginTurns({TransferInThread, true, 0, 0});
+  PutLine(what, ": ", cases, ", transfers refused ", refused, ", well ", YesOrNo(is_well));
+}
+
+// A thread that is ended in the middle of a transfer is not waited for for ever.
+void ShowEndWithoutThread() {
+  port_transfers_ended = false;
+  BeginTurns({TransferInSecondThread, true, 0, 0});
   KillOther();
   EndPortTransfers();
   EndSteps();
@@ -295,8 +275,9 @@ void RunProgram(const char* words) {
     ShowTakenSlot();
     ShowIntrusions();
     ShowRobbery();
-    ShowSecondClaimant();
-    ShowEnd();
+    ShowTurns("second claimants", TransferInSecondProgram, true);
+    ShowTurns("ends", EndTransfers, false);
+    ShowEndWithoutThread();
     ShowTables();
   }
   PutLine("timer: ", YesOrNo(TimerRuns()));
