@@ -416,10 +416,6 @@ void Place::MakeFolder(std::string_view name) const {
   EXPECT_TRUE(fs::create_directories(OnDisk(name))) << name;
 }
 
-bool Place::Has(std::string_view name) const {
-  return fs::exists(OnDisk(name));
-}
-
 void Place::SetTime(std::string_view name, long long time) const {
   utimbuf times{};
   times.actime = static_cast<std::time_t>(time);

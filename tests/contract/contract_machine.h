@@ -65,7 +65,6 @@ class Place {
   // Names are relative to the folder; a backslash parts folders.
   void MakeFile(std::string_view name, std::string_view content) const;
   void MakeFolder(std::string_view name) const;
-  bool Has(std::string_view name) const;
   // When the file was last written, in seconds since 1970, UTC.
   void SetTime(std::string_view name, long long time) const;
 

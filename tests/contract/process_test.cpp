@@ -29,7 +29,6 @@ TEST_F(ProcessContract, ToolHelp) {
   ASSERT_NE(INVALID_HANDLE_VALUE, snapshot);
   PROCESSENTRY32 entry = {};
   entry.dwSize = sizeof entry;
-  ExpectAnswer("no snapshot", "6", Outcome(Process32First(nullptr, &entry)));
   entry.dwSize = sizeof entry - 1;
   ExpectAnswer("short record", "122", Outcome(Process32First(snapshot, &entry)));
   EXPECT_NE("not listed", OwnName(snapshot));
@@ -39,7 +38,6 @@ TEST_F(ProcessContract, ToolHelp) {
   }
   ExpectAnswer("end", ERROR_NO_MORE_FILES, GetLastError());
   ExpectAnswer("close", "yes", Outcome(CloseHandle(snapshot)));
-  ExpectAnswer("closed", "6", Outcome(CloseHandle(snapshot)));
 }
 
 TEST_F(ProcessContract, NativeList) {
