@@ -79,6 +79,7 @@ TEST(ProcessorItems, NameAndFeatures) {
                            "ProcessorsCount=1\r\nProcessorName=1\r\nCoProcessor=1\r\nMMX=1\r\n"
                            "3DNow=1\r\nExtended3DNow=1\r\nSSE=1\r\nSSE2=1\r\n"),
               row.values);
+    EXPECT_EQ(run.Progress().front(), "Number of processors...  Ok");
   }
 }
 
