@@ -59,8 +59,8 @@ if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
   file(GLOB EXE_TEST_SOURCES CONFIGURE_DEPENDS tests/windows/*.cpp)
   if(EXE_TEST_SOURCES)
     add_ordinary_exe(exe_tests ${EXE_TEST_SOURCES})
-    target_link_libraries(exe_tests PRIVATE GTest::gtest_main msacm32 msvfw32 setupapi version winmm
-                          winspool wsock32)
+    target_link_libraries(exe_tests PRIVATE GTest::gtest_main setupapi version winmm winspool
+                          wsock32)
     target_compile_definitions(exe_tests PRIVATE
                                HOSTSCOPE_FULL_PROFILE="Z:${PROJECT_SOURCE_DIR}/profiles/full.ini"
                                HOSTSCOPE_REPORTS_FOLDER="Z:${PROJECT_SOURCE_DIR}/tests/reports")
@@ -100,7 +100,7 @@ if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
   file(GLOB CONTRACT_SOURCES CONFIGURE_DEPENDS tests/contract/*.cpp)
   if(CONTRACT_SOURCES)
     add_ordinary_exe(contract_tests ${CONTRACT_SOURCES})
-    target_link_libraries(contract_tests PRIVATE GTest::gtest_main version winmm msacm32 msvfw32)
+    target_link_libraries(contract_tests PRIVATE GTest::gtest_main version winmm)
   endif()
 endif()
 

@@ -74,10 +74,6 @@ class Place {
   void MakeKey(std::string_view subkey);
   void SetValue(std::string_view subkey, std::string_view name, DWORD type, std::string_view data);
 
-  // Gives the machine a wave input and a wave output; beside them it has three video codecs (the
-  // first is mrle in msrle32.dll) and some audio codecs.
-  void TurnOnSound();
-
   // A key below HKEY_LOCAL_MACHINE that goes with the object, with all that a test puts below it.
   void OwnMachineKey(std::string_view key);
   void SetMachineText(std::string_view key, std::string_view name, std::string_view text);

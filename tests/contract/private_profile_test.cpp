@@ -282,24 +282,5 @@ TEST_F(PrivateProfileContract, FilesThatCanNotBeRead) {
                ReadString(".\\here.ini", "Section", "Key", "d", 260));
 }
 
-TEST_F(PrivateProfileContract, Megabyte) {
-  std::string content = "[Long]\r\nKey=" + std::string(1 << 20, 'x') + "\r\n[Many]\r\n";
-  for (int i = 0; i < 50000; ++i)
-    content += "Key" + std::to_string(i) + "=1\r\n";
-  content += "[Last]\r\nKey=end\r\n";
-  place.MakeFile("large.ini", content);
-  const std::string file = place.Path("large.ini");
-
-  ExpectAnswer("value cut to a buffer of 260", "259 " + std::string(259, 'x') + "|",
-               ReadString(file, "Long", "Key", "", 260));
-  ExpectAnswer("key behind a megabyte", "3 end|", ReadString(file, "Last", "Key", "", 260));
-  ExpectAnswer("last of 50000 keys", 1,
-               static_cast<int>(GetPrivateProfileIntA("Many", "KEY49999", 0, file.c_str())));
-  const std::string section = ReadSection(file, "Many", 32767);
-  ExpectAnswer("cut section, beginning", "32765 Key0=1|Key1=1|", section.substr(0, 20));
-  ExpectAnswer("cut section, end", "||", section.substr(section.size() - 2));
-  ExpectAnswer("cut section, length", 6 + 32767, section.size());
-}
-
 }  // namespace
 }  // namespace contract

@@ -20,14 +20,13 @@ TEST(DisplayAndInput, Items) {
                     max_bits = "[DISPLAY]\r\nMaxBitsPixel=1\r\n",
                     both_bits = bits + "MaxBitsPixel=1\r\n", large = "[DISPLAY]\r\nLargeFont=1\r\n",
                     sticks = "[INPUT]\r\nJoysticks=1\r\n";
-  struct Row {
+  const struct {
     std::string progress, profile, value;
     Modes modes = {};
     std::vector<const char*> broken = {};
     LONG font_height = 16;
     host::Joysticks joysticks = {};
-  };
-  const Row rows[] = {
+  } rows[] = {
       {resolution, both, "current: 800x600, maximum: 800x600"},
       {resolution, max, "maximum: 1600x1200", {{1600, 1200, 8}, {1920, 1080, 8}}},
       {resolution, max, "maximum: 1920x1200", {{1920, 1080, 8}, {1920, 1200, 8}}},
@@ -45,7 +44,7 @@ TEST(DisplayAndInput, Items) {
       {joystick, sticks, "present", {}, {}, 16, {2, {1}}},
       {joystick, sticks, "not present", {}, {}, 16, {1, {1}}},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE("row " + std::to_string(&row - rows) + ": " + row.profile);
     test::ReportRun run;
     host::Machine& machine = run.machine();

@@ -50,29 +50,28 @@ TEST(BiosVersion, OfBothFamilies) {
       machine.registry.SetValue(system, "SystemBiosDate", REG_SZ, date);
     };
   };
-};
-const struct {
-  bool is_nt;
-  std::function<void(Machine&)> describe;
-  std::string value;
-} rows[] = {
-    {true, describe_nt(std::string("V1\0V2\0\0", 7), "01/02/03"), "V1 (01/02/03)|"},
-    {true, describe_nt(std::string(2000, 'x'), "01/02/03"), std::string(1023, 'x') + "|"},
-    {true, describe_9x, "|Failed"},
-    {false, describe_9x, "1 (2)|"},
-    {false, describe_nt("V1", "01/02/03"), "|Failed"},
-    {false,
-     [&](Machine& machine) {
-       describe_9x(machine);
-       machine.registry.DenyAccess(second, ERROR_ACCESS_DENIED);
-     },
-     "3|"},
-};
-for (const auto& row : rows) {
-  DiskRun run(row.is_nt);
-  row.describe(run.machine());
-  EXPECT_EQ(SystemValues(run, "BIOSVersion=1\r\n"), row.value) << &row - rows;
-}
+  const struct {
+    bool is_nt;
+    std::function<void(Machine&)> describe;
+    std::string value;
+  } rows[] = {
+      {true, describe_nt(std::string("V1\0V2\0\0", 7), "01/02/03"), "V1 (01/02/03)|"},
+      {true, describe_nt(std::string(2000, 'x'), "01/02/03"), std::string(1023, 'x') + "|"},
+      {true, describe_9x, "|Failed"},
+      {false, describe_9x, "1 (2)|"},
+      {false, describe_nt("V1", "01/02/03"), "|Failed"},
+      {false,
+       [&](Machine& machine) {
+         describe_9x(machine);
+         machine.registry.DenyAccess(second, ERROR_ACCESS_DENIED);
+       },
+       "3|"},
+  };
+  for (const auto& row : rows) {
+    DiskRun run(row.is_nt);
+    row.describe(run.machine());
+    EXPECT_EQ(SystemValues(run, "BIOSVersion=1\r\n"), row.value) << &row - rows;
+  }
 }
 
 TEST(Memory, WiderCallWhereThereIsIt) {

@@ -62,13 +62,12 @@ TEST_F(SystemItems, UserNameComesFromTheTokenOnNt) {
 }
 
 TEST_F(SystemItems, UserNameWithoutTokenAccount) {
-  struct Row {
+  constexpr struct {
     const char* call;
     unsigned nth;
     DWORD error;
     const char* expected;
-  };
-  constexpr Row kRows[] = {
+  } kRows[] = {
       {"OpenThreadToken", 1, ERROR_ACCESS_DENIED, "logon name"},
       {"OpenProcessToken", 1, ERROR_ACCESS_DENIED, "logon name"},
       {"GetTokenInformation", 1, ERROR_INVALID_HANDLE, "logon name"},
@@ -78,7 +77,7 @@ TEST_F(SystemItems, UserNameWithoutTokenAccount) {
       {"OpenThreadToken", 1, ERROR_NO_TOKEN, "jdoe"},
   };
   machine_.user.name = "logon name";
-  for (const Row& row : kRows) {
+  for (const auto& row : kRows) {
     const auto open_before = machine_.handles.OpenObjects();
     machine_.faults.FailNth(row.call, row.nth, row.error);
     EXPECT_EQ(Text(ReadUserName), row.expected) << row.call << " " << row.nth;
@@ -106,14 +105,13 @@ TEST_F(SystemItems, LocaleNames) {
 }
 
 TEST_F(SystemItems, Folders) {
-  struct Row {
+  const struct {
     Collect collect;
     const char* call;
     std::string host::Machine::*fact;
     const char* path;
     const char* expected;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {ReadWindowsFolder, "GetWindowsDirectoryA", &host::Machine::windows_folder, "C:\\WINNT",
        "C:\\WINNT"},
       {ReadSystemFolder, "GetSystemDirectoryA", &host::Machine::system_folder, "D:\\WIN\\SYSTEM",
@@ -122,7 +120,7 @@ TEST_F(SystemItems, Folders) {
       {ReadTempFolder, "GetTempPathA", &host::Machine::temp_folder, "C:\\", "C:"},
       {ReadTempFolder, "GetTempPathA", &host::Machine::temp_folder, "C:\\TEMP", "C:\\TEMP"},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.path);
     machine_.*row.fact = row.path;
     EXPECT_EQ(Text(row.collect), row.expected);
