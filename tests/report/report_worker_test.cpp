@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "profile/catalogue.h"
-#include "report/probe_context.h"
 #include "tests/support/report_run.h"
 
 namespace hostscope {
@@ -170,28 +169,6 @@ TEST(ReportWorker, NothingStaysOpenWhicheverCallFails) {
       // Only a run that could not begin leaves no report, and its list says so.
       EXPECT_TRUE(run.state().run_complete || run.Progress().size() <= 1) << call << " " << nth;
     }
-  }
-}
-
-TEST(ProbeContext, TheSetupLibraryIsBoundForTheRun) {
-  host::Machine machine;
-  host::UseMachine use(machine);
-  {
-    ProbeContext context;
-    EXPECT_TRUE(context.has_setup_api());
-    EXPECT_EQ(machine.libraries.References("SETUPAPI.DLL"), 1U);
-    EXPECT_TRUE(context.page_files.present());
-  }
-  EXPECT_EQ(machine.libraries.References("SETUPAPI.DLL"), 0U);
-  for (const char* name :
-       {"SetupDiEnumDeviceInfo", "SetupDiDestroyDeviceInfoList", "SetupDiGetClassDevsA",
-        "SetupDiClassGuidsFromNameA", "SetupDiGetDeviceInstanceIdA"}) {
-    host::Machine lacking;
-    host::UseMachine use_lacking(lacking);
-    lacking.libraries.RemoveExport("SETUPAPI.DLL", name);
-    EXPECT_FALSE(ProbeContext().has_setup_api()) << name;
-    lacking.libraries.Remove("SETUPAPI.DLL");
-    EXPECT_FALSE(ProbeContext().has_setup_api());
   }
 }
 
