@@ -26,7 +26,7 @@ endfunction()
 add_ordinary_exe(dialog_watch tools/dialog_watch.cpp)
 add_ordinary_exe(scan_times bench/scan_times.cpp tests/windows/driver.cpp
                  tests/windows/surroundings.cpp tests/windows/interception.cpp)
-target_link_libraries(scan_times PRIVATE version setupapi)
+target_link_libraries(scan_times PRIVATE version)
 # The program with a counter at its heap, for bench/memory.py alone.
 add_freestanding_objects(counted_heap bench/counted_heap.cpp)
 link_freestanding_exe(hscope_counted hscope_objects counted_heap)
@@ -59,8 +59,8 @@ if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
   file(GLOB EXE_TEST_SOURCES CONFIGURE_DEPENDS tests/windows/*.cpp)
   if(EXE_TEST_SOURCES)
     add_ordinary_exe(exe_tests ${EXE_TEST_SOURCES})
-    target_link_libraries(exe_tests PRIVATE GTest::gtest_main msacm32 msvfw32 setupapi version winmm
-                          winspool wsock32)
+    target_link_libraries(exe_tests PRIVATE GTest::gtest_main setupapi version winmm winspool
+                          wsock32)
     target_compile_definitions(exe_tests PRIVATE
                                HOSTSCOPE_FULL_PROFILE="Z:${PROJECT_SOURCE_DIR}/profiles/full.ini"
                                HOSTSCOPE_REPORTS_FOLDER="Z:${PROJECT_SOURCE_DIR}/tests/reports")
@@ -100,7 +100,7 @@ if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
   file(GLOB CONTRACT_SOURCES CONFIGURE_DEPENDS tests/contract/*.cpp)
   if(CONTRACT_SOURCES)
     add_ordinary_exe(contract_tests ${CONTRACT_SOURCES})
-    target_link_libraries(contract_tests PRIVATE GTest::gtest_main version winmm msacm32 msvfw32)
+    target_link_libraries(contract_tests PRIVATE GTest::gtest_main version winmm)
   endif()
 endif()
 

@@ -258,7 +258,6 @@ constexpr std::string_view kFunctions[] = {
     "lstrcmpiA",
     "lstrcpyA",
     "lstrcpynA",
-    "lstrlenA",
     "midiInGetDevCapsA",
     "midiInGetNumDevs",
     "midiOutGetDevCapsA",

@@ -295,7 +295,6 @@ BOOL WINAPI GlobalMemoryStatusEx(LPMEMORYSTATUSEX status);
 
 // ---- texts: kernel32_text.cpp ----
 
-int WINAPI lstrlenA(LPCSTR text);
 LPSTR WINAPI lstrcpyA(LPSTR target, LPCSTR source);
 LPSTR WINAPI lstrcpynA(LPSTR target, LPCSTR source, int size);
 LPSTR WINAPI lstrcatA(LPSTR target, LPCSTR source);

@@ -88,8 +88,7 @@ const LayerLibrary kKernel32({.name = "KERNEL32.DLL",
                                           HOST_EXPORT(lstrcmpA),
                                           HOST_EXPORT(lstrcmpiA),
                                           HOST_EXPORT(lstrcpyA),
-                                          HOST_EXPORT(lstrcpynA),
-                                          HOST_EXPORT(lstrlenA)}});
+                                          HOST_EXPORT(lstrcpynA)}});
 
 // Functions of KERNEL32 that older releases do not have: the first release of NT with it, and the
 // first build of Windows 95/98/Me.

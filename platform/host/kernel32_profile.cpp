@@ -87,7 +87,6 @@ class Profile {
   bool IsOf(std::string_view content, std::size_t section_limit) const {
     return content_ == content && section_limit_ == section_limit;
   }
-  const std::vector<Section>& sections() const { return sections_; }
   // The first of several sections, or keys, of one name counts.
   const Section* Find(std::string_view name) const {
     const auto found = std::find_if(sections_.begin(), sections_.end(),
@@ -177,28 +176,6 @@ DWORD GiveList(const std::string& list, LPSTR buffer, DWORD size) {
   return static_cast<DWORD>(length);
 }
 
-void AddToList(std::string& list, std::string_view text) {
-  list.append(text);
-  list.push_back('\0');
-}
-
-std::string SectionNames(const Profile& profile) {
-  std::string list;
-  for (const Section& section : profile.sections()) {
-    if (!section.name.empty()) AddToList(list, section.name);
-  }
-  return list;
-}
-
-std::string KeyNames(const Section* section) {
-  std::string list;
-  if (section == nullptr) return list;
-  for (const Line& line : section->lines) {
-    if (line.value && !IsComment(line)) AddToList(list, line.key);
-  }
-  return list;
-}
-
 std::string SectionLines(const Section* section) {
   std::string list;
   if (section == nullptr) return list;
@@ -213,9 +190,8 @@ std::string SectionLines(const Section* section) {
 
 // The entries of the section "windows" of win.ini, as far as they are asked for one by one, are
 // values of the user's registry on NT.
-bool IsInRegistry(LPCSTR section, LPCSTR key, LPCSTR file) {
-  return CurrentMachine().IsNt() && section != nullptr && key != nullptr &&
-         EqualNoCase(Trim(section), "windows") &&
+bool IsInRegistry(LPCSTR section, LPCSTR file) {
+  return CurrentMachine().IsNt() && EqualNoCase(Trim(section), "windows") &&
          (file == nullptr || EqualNoCase(file, kSystemProfile));
 }
 
@@ -232,18 +208,13 @@ std::optional<std::string> RegistryEntry(LPCSTR key) {
 
 DWORD GetString(LPCSTR section, LPCSTR key, LPCSTR fallback, LPSTR buffer, DWORD size,
                 LPCSTR file) {
-  if (buffer == nullptr || size == 0) return 0;
-  if (IsInRegistry(section, key, file)) {
+  if (section == nullptr || key == nullptr || buffer == nullptr || size == 0) return 0;
+  if (IsInRegistry(section, file)) {
     const std::optional<std::string> entry = RegistryEntry(key);
     return GiveText(entry ? *entry : fallback == nullptr ? "" : fallback, buffer, size);
   }
   const std::shared_ptr<const Profile> profile = ReadProfile(file);
-  if (section == nullptr) return GiveList(SectionNames(*profile), buffer, size);
   std::string_view text = fallback == nullptr ? "" : fallback;
-  if (key == nullptr) {
-    const std::string keys = KeyNames(profile->Find(section));
-    return keys.empty() ? GiveText(text, buffer, size) : GiveList(keys, buffer, size);
-  }
   const std::optional<std::string_view> value = profile->Value(Trim(section), Trim(key));
   if (value) {
     text = *value;

@@ -247,11 +247,6 @@ int WINAPI lstrcmpiA(LPCSTR left, LPCSTR right) {
   return Compare(left, right, false);
 }
 
-int WINAPI lstrlenA(LPCSTR text) {
-  if (CallFails("lstrlenA")) return 0;
-  return text == nullptr ? 0 : static_cast<int>(std::strlen(text));
-}
-
 LPSTR WINAPI lstrcpyA(LPSTR target, LPCSTR source) {
   if (CallFails("lstrcpyA") || target == nullptr || source == nullptr) return nullptr;
   return std::strcpy(target, source);

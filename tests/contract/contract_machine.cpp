@@ -160,13 +160,6 @@ void Place::SetValue(std::string_view subkey, std::string_view name, DWORD type,
   RegCloseKey(made);
 }
 
-// The session leads what is played into nothing.
-void Place::TurnOnSound() {
-  constexpr char kDriver[] = "alsa";
-  EXPECT_EQ(ERROR_SUCCESS, RegSetKeyValueA(HKEY_CURRENT_USER, "Software\\Wine\\Drivers", "Audio",
-                                           REG_SZ, kDriver, sizeof kDriver));
-}
-
 void Place::OwnMachineKey(std::string_view key) {
   parts_->machine_keys.emplace_back(key);
   RegCloseKey(Parts::Create(HKEY_LOCAL_MACHINE, std::string(key)));
@@ -298,7 +291,6 @@ void Describe(host::Machine& machine) {
   machine.hardware.memory = {6ULL << 30, 5ULL << 30, std::nullopt};
   machine.module_path = "C:\\Program Files\\contract_tests.exe";
   machine.command_line = "\"" + machine.module_path + "\"";
-  host::StateDirectX(machine, 0x800);
   host::Library spare;
   spare.name = kSpareLibrary;
   spare.exports[kSpareFunction] = host::Export(&Describe);
@@ -310,10 +302,6 @@ void Describe(host::Machine& machine) {
                      .hosts = {{"contract", {{127, 0, 0, 1}}, {}}}};
   machine.disks.letters['C'] = {.volume =
                                     host::Volume{"NTFS", 0x1F, 8, 512, 300000, 200000, 200000}};
-  machine.multimedia.audio_codecs = {{0x04000000, "IMA ADPCM"}, {0x01000000, "MS ADPCM"}};
-  machine.multimedia.video_codecs = {{0x656C726D, "RLE", "msrle32.dll"},
-                                     {0x6376736D, "Video 1", "msvidc32.dll"},
-                                     {0x64697663, "Cinepak", "iccvid.dll"}};
 }
 
 }  // namespace
@@ -336,11 +324,6 @@ void Place::MakeKey(std::string_view subkey) {
 void Place::SetValue(std::string_view subkey, std::string_view name, DWORD type,
                      std::string_view data) {
   parts_->machine.registry.SetValue(parts_->RegistryPath(subkey), name, type, data);
-}
-
-void Place::TurnOnSound() {
-  parts_->machine.multimedia.wave_inputs = {{0xFFF, "In"}};
-  parts_->machine.multimedia.wave_outputs = {{0xFFF, "Out"}};
 }
 
 void Place::OwnMachineKey(std::string_view key) {
@@ -414,10 +397,6 @@ void Place::MakeFile(std::string_view name, std::string_view content) const {
 
 void Place::MakeFolder(std::string_view name) const {
   EXPECT_TRUE(fs::create_directories(OnDisk(name))) << name;
-}
-
-bool Place::Has(std::string_view name) const {
-  return fs::exists(OnDisk(name));
 }
 
 void Place::SetTime(std::string_view name, long long time) const {

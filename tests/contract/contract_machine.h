@@ -65,7 +65,6 @@ class Place {
   // Names are relative to the folder; a backslash parts folders.
   void MakeFile(std::string_view name, std::string_view content) const;
   void MakeFolder(std::string_view name) const;
-  bool Has(std::string_view name) const;
   // When the file was last written, in seconds since 1970, UTC.
   void SetTime(std::string_view name, long long time) const;
 
@@ -74,10 +73,6 @@ class Place {
   // Subkeys are relative to the key; an empty one is the key itself.
   void MakeKey(std::string_view subkey);
   void SetValue(std::string_view subkey, std::string_view name, DWORD type, std::string_view data);
-
-  // Gives the machine a wave input and a wave output; beside them it has three video codecs (the
-  // first is mrle in msrle32.dll) and some audio codecs.
-  void TurnOnSound();
 
   // A key below HKEY_LOCAL_MACHINE that goes with the object, with all that a test puts below it.
   void OwnMachineKey(std::string_view key);

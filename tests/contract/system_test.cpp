@@ -20,8 +20,6 @@ class SystemContract : public testing::Test {
   Place place;
 };
 
-// ---- version and time ----
-
 TEST_F(SystemContract, VersionRecordSizes) {
   for (const DWORD size : {148, 156, 0, 147, 149, 155, 157, 512}) {
     OSVERSIONINFOEXA version;
@@ -39,52 +37,12 @@ TEST_F(SystemContract, VersionRecordSizes) {
   }
 }
 
-TEST_F(SystemContract, TickCountNeverFalls) {
-  DWORD last = GetTickCount();
-  for (int i = 0; i < 1000; ++i) {
-    const DWORD now = GetTickCount();
-    ASSERT_LT(now - last, 0x80000000u);
-    last = now;
-  }
-}
-
-TEST_F(SystemContract, MultimediaTimerMoves) {
-  const HMODULE library = LoadLibraryA("WINMM.DLL");
-  ASSERT_NE(nullptr, library);
-  const auto time = reinterpret_cast<DWORD(WINAPI*)()>(
-      reinterpret_cast<void (*)()>(GetProcAddress(library, "timeGetTime")));
-  ASSERT_NE(nullptr, time);
-  DWORD last = time();
-  for (int steps = 0; steps < 20;) {
-    const DWORD now = time();
-    ASSERT_LT(now - last, 1000u);
-    if (now != last) ++steps;
-    last = now;
-  }
-  FreeLibrary(library);
-}
-
-// ---- processors and memory ----
-
-TEST_F(SystemContract, Processors) {
-  SYSTEM_INFO info;
-  std::memset(&info, 0xAA, sizeof info);
-  GetSystemInfo(&info);
-  EXPECT_GE(info.dwNumberOfProcessors, 1u);
-  EXPECT_LE(info.dwNumberOfProcessors, 32u);
-  ExpectAnswer("pages", 4096, info.dwPageSize);
-}
-
 // The older record holds what fits; the program takes no addresses above 2 GB.
 TEST_F(SystemContract, MemoryStatus) {
   const auto wide = reinterpret_cast<BOOL(WINAPI*)(LPMEMORYSTATUSEX)>(reinterpret_cast<void (*)()>(
       GetProcAddress(GetModuleHandleA("kernel32"), "GlobalMemoryStatusEx")));
   ASSERT_NE(nullptr, wide);
   MEMORYSTATUSEX whole;
-  for (const DWORD size : {0, 32, 63, 65}) {
-    whole.dwLength = size;
-    ExpectAnswer("record of " + std::to_string(size), "87", Outcome(wide(&whole)));
-  }
   whole.dwLength = sizeof whole;
   ASSERT_TRUE(wide(&whole));
   EXPECT_GT(whole.ullTotalPhys, whole.ullAvailPhys);
@@ -109,11 +67,7 @@ TEST_F(SystemContract, Pages) {
   ExpectAnswer("fits in 32 bits", true, reinterpret_cast<ULONG_PTR>(pages) >> 31 >> 1 == 0);
   ExpectAnswer("a whole page of zeros", std::string(4096, '\0'), std::string(pages, 4096));
   std::memset(pages, 1, 4096);
-  ExpectAnswer("a size to free", "87", Outcome(VirtualFree(pages, 300, MEM_RELEASE)));
   ExpectAnswer("free", "yes", Outcome(VirtualFree(pages, 0, MEM_RELEASE)));
-  ExpectAnswer("nothing", true,
-               VirtualAlloc(nullptr, 0, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE) == nullptr);
-  ExpectAnswer("its error", ERROR_INVALID_PARAMETER, GetLastError());
 }
 
 TEST_F(SystemContract, DevicesThatAreNotThere) {
@@ -122,8 +76,6 @@ TEST_F(SystemContract, DevicesThatAreNotThere) {
                            nullptr) == INVALID_HANDLE_VALUE);
   ExpectAnswer("its error", ERROR_FILE_NOT_FOUND, GetLastError());
 }
-
-// ---- names and folders ----
 
 TEST_F(SystemContract, ComputerName) {
   std::string name(64, '~');
@@ -251,52 +203,7 @@ TEST_F(SystemContract, ModuleFileName) {
   path.resize(length);
   EXPECT_NE(std::string::npos, path.find_last_of("\\/")) << path;
   EXPECT_GT(path.find_last_of('.'), path.find_last_of("\\/")) << path;
-
-  std::string cut(64, '~');
-  ExpectAnswer("cut, result", 5, GetModuleFileNameA(nullptr, cut.data(), 5));
-  ExpectAnswer("cut, beginning", path.substr(0, 4), cut.substr(0, 4));
-  ExpectAnswer("cut, behind it", "~~~~", cut.substr(5, 4));
-
-  std::string library(MAX_PATH, '~');
-  library.resize(GetModuleFileNameA(GetModuleHandleA("kernel32"), library.data(), MAX_PATH));
-  ExpectAnswer("a library", 0,
-               lstrcmpiA("\\kernel32.dll", library.c_str() + library.find_last_of('\\')));
 }
-
-TEST_F(SystemContract, CommandLine) {
-  const char* line = GetCommandLineA();
-  ASSERT_NE(nullptr, line);
-  EXPECT_NE('\0', line[0]);
-  EXPECT_TRUE(line[0] != '"' || std::strchr(line + 1, '"') != nullptr) << line;
-  ExpectAnswer("the same text every time", true, line == GetCommandLineA());
-}
-
-// ---- memory ----
-
-TEST_F(SystemContract, Heap) {
-  const HANDLE heap = GetProcessHeap();
-  auto* block = static_cast<char*>(HeapAlloc(heap, HEAP_ZERO_MEMORY, 1000));
-  ASSERT_NE(nullptr, block);
-  ExpectAnswer("zeros", std::string(1000, '\0'), std::string(block, 1000));
-  ExpectAnswer("size", 1000, HeapSize(heap, 0, block));
-  std::memset(block, 'x', 1000);
-  block = static_cast<char*>(HeapReAlloc(heap, HEAP_ZERO_MEMORY, block, 100000));
-  ASSERT_NE(nullptr, block);
-  ExpectAnswer("grown: kept, and zeros behind", std::string(1000, 'x') + std::string(99000, '\0'),
-               std::string(block, 100000));
-  ExpectAnswer("grown size", 100000, HeapSize(heap, 0, block));
-  block = static_cast<char*>(HeapReAlloc(heap, 0, block, 10));
-  ASSERT_NE(nullptr, block);
-  ExpectAnswer("shrunk: kept", std::string(10, 'x'), std::string(block, 10));
-  ExpectAnswer("shrunk size", 10, HeapSize(heap, 0, block));
-  ExpectAnswer("free", "yes", Outcome(HeapFree(heap, 0, block)));
-  void* nothing = HeapAlloc(heap, 0, 0);
-  ExpectAnswer("a block of no bytes", true, nothing != nullptr);
-  ExpectAnswer("its size", 0, HeapSize(heap, 0, nothing));
-  ExpectAnswer("free it", "yes", Outcome(HeapFree(heap, 0, nothing)));
-}
-
-// ---- libraries ----
 
 TEST_F(SystemContract, LibrariesThatAreNotThere) {
   for (const char* name : {"absent-library.dll", "absent-library", "C:\\absent\\library.dll"}) {
@@ -338,8 +245,6 @@ TEST_F(SystemContract, LoadAndFree) {
   ExpectAnswer("free too often", FALSE, FreeLibrary(module));
 }
 
-// ---- threads ----
-
 struct Worker {
   std::atomic<bool> may_end = false;
   std::atomic<DWORD> id = 0;
@@ -358,42 +263,13 @@ TEST_F(SystemContract, ZeroTimeWait) {
   DWORD id = 0;
   const HANDLE thread = CreateThread(nullptr, 0, Work, &worker, 0, &id);
   ASSERT_NE(nullptr, thread);
-  DWORD code = 0;
   ExpectAnswer("running", WAIT_TIMEOUT, WaitForSingleObject(thread, 0));
-  ExpectAnswer("running, for a while", WAIT_TIMEOUT, WaitForSingleObject(thread, 20));
-  ExpectAnswer("exit code", "yes", Outcome(GetExitCodeThread(thread, &code)));
-  ExpectAnswer("no exit code yet", STILL_ACTIVE, code);
   worker.may_end = true;
   ExpectAnswer("ended", WAIT_OBJECT_0, WaitForSingleObject(thread, 20000));
-  ExpectAnswer("still ended", WAIT_OBJECT_0, WaitForSingleObject(thread, 0));
-  GetExitCodeThread(thread, &code);
-  ExpectAnswer("its result", 42, code);
   ExpectAnswer("its number", id, worker.id);
   ExpectAnswer("not this thread", true, id != GetCurrentThreadId());
   ExpectAnswer("close", "yes", Outcome(CloseHandle(thread)));
-  ExpectAnswer("wait on a closed handle", WAIT_FAILED, WaitForSingleObject(thread, 0));
-  ExpectAnswer("its error", ERROR_INVALID_HANDLE, GetLastError());
 }
-
-DWORD WINAPI ChangeLastError(LPVOID) {
-  const DWORD before = GetLastError();
-  SetLastError(77);
-  return before;
-}
-
-TEST_F(SystemContract, LastErrorIsTheThreadsOwn) {
-  SetLastError(1234);
-  const HANDLE thread = CreateThread(nullptr, 0, ChangeLastError, nullptr, 0, nullptr);
-  ASSERT_NE(nullptr, thread);
-  WaitForSingleObject(thread, 20000);
-  ExpectAnswer("this thread keeps", 1234, GetLastError());
-  DWORD code = 99;
-  GetExitCodeThread(thread, &code);
-  ExpectAnswer("a new thread begins with", 0, code);
-  CloseHandle(thread);
-}
-
-// ---- accounts ----
 
 TEST_F(SystemContract, TokenAccount) {
   HANDLE token = nullptr;
@@ -428,19 +304,6 @@ TEST_F(SystemContract, TokenAccount) {
   EXPECT_GT(std::strlen(domain), 0u);
 }
 
-TEST_F(SystemContract, UnknownAccount) {
-  BYTE sid[] = {1, 5, 0, 0, 0, 0, 0, 5, 21, 0, 0,  0, 1, 0,
-                0, 0, 2, 0, 0, 0, 3, 0, 0,  0, 77, 7, 0, 0};
-  char name[512];
-  char domain[512];
-  DWORD name_size = 512;
-  DWORD domain_size = 512;
-  SID_NAME_USE use;
-  ExpectAnswer(
-      "unknown", "1332",
-      Outcome(LookupAccountSidA(nullptr, sid, name, &name_size, domain, &domain_size, &use)));
-}
-
 TEST_F(SystemContract, UserName) {
   char name[257] = "";
   DWORD size = sizeof name;
@@ -453,8 +316,6 @@ TEST_F(SystemContract, UserName) {
   ExpectAnswer("one too short", "122", Outcome(GetUserNameA(name, &size)));
   ExpectAnswer("size needed", length + 1, size);
 }
-
-// ---- shell ----
 
 TEST_F(SystemContract, SpecialFolders) {
   LPMALLOC allocator = nullptr;

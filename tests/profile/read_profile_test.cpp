@@ -51,47 +51,13 @@ TEST_F(Profiles, EveryIntegerKeyHasItsOwnMember) {
   }
 }
 
-TEST_F(Profiles, KeysOfEverySectionAreThere) {
-  // How many keys each section has; the letters of the odd ones.
-  struct Row {
-    const char* section;
-    int keys;
-  };
-  constexpr Row kRows[] = {
-      {"GENERAL", 5},       {"MESSAGE", 1},    {"SYSTEM", 24},    {"MULTIMEDIA", 8},
-      {"DISPLAY", 7},       {"DIRECTX", 2},    {"INPUT", 3},      {"NETWORK", 10},
-      {"COMMUNICATION", 1}, {"PORT", 1},       {"DISK DRIVE", 7}, {"DISK CONTROLLER", 3},
-      {"PRINTER", 4},       {"PROCESS", 1},    {"USB", 1},        {"DLLS", 1},
-      {"REGISTRY KEYS", 1}, {"FOLDERS", 1},    {"SCAN KEYS", 1},  {"CUSTOM DLLS", 1},
-      {"POST-RUN", 9},      {"EMAIL TEXT", 1},
-  };
-  std::ptrdiff_t total = 0;
-  for (const Row& row : kRows) {
-    const auto keys = std::ranges::count_if(Catalogue(), [&](const CatalogueRow& entry) {
-      return std::string_view(entry.section) == row.section;
-    });
-    EXPECT_EQ(keys, row.keys) << row.section;
-    total += keys;
-  }
-  EXPECT_EQ(static_cast<std::size_t>(total), Catalogue().size());
-  Read(
-      "[DISPLAY]\r\nCurrentResolusion=1\r\nMaxResolusion=2\r\n[SYSTEM]\r\nCoProcessor=3\r\n"
-      "[POST-RUN]\r\n");
-  EXPECT_EQ(settings_->current_resolution, 1);
-  EXPECT_EQ(settings_->max_resolution, 2);
-  EXPECT_EQ(settings_->coprocessor, 3);
-  EXPECT_EQ(settings_->email_check_box, 1);
-  EXPECT_STREQ(settings_->report_file_name, "hscope.txt");
-}
-
 TEST_F(Profiles, TextsAreCutToTheirFields) {
-  struct Row {
+  const struct {
     const char* section;
     const char* key;
     std::size_t size;
     const char* (*text)(const ProfileSettings&);
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"GENERAL", "ReportFileName", 260,
        [](const ProfileSettings& s) -> const char* { return s.report_file_name; }},
       {"POST-RUN", "To", 260,
@@ -105,7 +71,7 @@ TEST_F(Profiles, TextsAreCutToTheirFields) {
       {"POST-RUN", "Subject", 260,
        [](const ProfileSettings& s) -> const char* { return s.subject; }},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     for (const std::size_t length :
          {std::size_t{3}, row.size - 2, row.size - 1, row.size, row.size + 1, std::size_t{20000}}) {
       SCOPED_TRACE(std::string(row.key) + " " + std::to_string(length));
@@ -152,12 +118,11 @@ TEST_F(Profiles, ListSectionLargerThanTheWorkArea) {
 
 TEST_F(Profiles, OddFiles) {
   using namespace std::literals;
-  struct Row {
+  const struct {
     const char* what;
     std::string profile;
     int temp_folder;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"0 bytes", "", 0},
       {"1 MB without a line break", std::string(1 << 20, 'x'), 0},
       {"1 MB of lines", "[SYSTEM]\r\nTempFolder=1\r\n" + std::string(1 << 20, '\n'), 1},
@@ -165,7 +130,7 @@ TEST_F(Profiles, OddFiles) {
       {"zero bytes inside", "[SYSTEM]\r\nTemp\0Folder=1\r\nTempFolder=1\r\n"s, 1},
       {"zero bytes only", std::string(5000, '\0'), 0},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     Read(row.profile);
     EXPECT_EQ(settings_->temp_folder, row.temp_folder) << row.what;
   }

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "profile/catalogue.h"
-#include "report/probe_context.h"
 #include "tests/support/report_run.h"
 
 namespace hostscope {
@@ -20,31 +19,6 @@ std::string Banner(const std::string& title) {
   const std::size_t left = (84 - title.size()) / 2 - 1;
   return "\r\n" + rule + "\r\n" + std::string(left, '=') + " " + title + " " +
          std::string(82 - title.size() - left, '=') + "\r\n" + rule + "\r\n\r\n";
-}
-
-TEST(ReportWorker, AllItemsOfASection) {
-  test::ReportRun run;
-  run.Run(
-      "[SYSTEM]\r\nWindowsVersion=1\r\nWorkingTime=-1\r\nComputerName=2\r\nUserName=1\r\n"
-      "UserLocale=1\r\nWindowsFolder=1\r\nSystemFolder=1\r\nTempFolder=1\r\n");
-  EXPECT_EQ(run.Report(),
-            kHeader + Banner("SYSTEM INFORMATION") +
-                "Operating system           Microsoft Windows 2000 Professional version 5.0.2195 "
-                "Service Pack 4\r\n"
-                "Working time (d.h.m.s)     1:1:1:1\r\n"
-                "Computer name              WORKSTATION7\r\n"
-                "User name                  jdoe\r\n"
-                "User locale                Deutsch (Deutschland) (German)\r\n"
-                "Windows folder             C:\\WINNT\r\n"
-                "System folder              C:\\WINNT\\system32\r\n"
-                "Temp folder                C:\\TEMP\r\n"
-                "\r\n");
-  EXPECT_EQ(run.Progress(), (std::vector<std::string>{
-                                "Windows version...       Ok", "Windows working time...  Ok",
-                                "Computer name...         Ok", "User name...             Ok",
-                                "User locale...           Ok", "Windows folder...        Ok",
-                                "System folder...         Ok", "Temp folder...           Ok"}));
-  EXPECT_TRUE(run.state().run_complete);
 }
 
 TEST(ReportWorker, SectionsByTheirSwitches) {
@@ -85,18 +59,6 @@ TEST(ReportWorker, SectionsByTheirSwitches) {
   }
 }
 
-TEST(ReportWorker, AFailedItemLeavesItsLabelAndTheNextRuns) {
-  test::ReportRun run;
-  run.machine().faults.FailAlways("GetComputerNameA", ERROR_ACCESS_DENIED);
-  run.Run("[SYSTEM]\r\nComputerName=1\r\nTempFolder=1\r\n");
-  EXPECT_EQ(run.Report(), kHeader + Banner("SYSTEM INFORMATION") +
-                              "Computer name              \r\n" +
-                              "Temp folder                C:\\TEMP\r\n\r\n");
-  EXPECT_EQ(run.Progress(), (std::vector<std::string>{"Computer name...         Failed",
-                                                      "Temp folder...           Ok"}));
-  EXPECT_TRUE(run.state().run_complete);
-}
-
 TEST(ReportWorker, TheFileShowsWhichItemIsRunning) {
   test::ReportRun run;
   std::string seen;
@@ -135,19 +97,18 @@ TEST(Item, LinesOfItsOwnAndSeveralSwitches) {
                            run.report.WriteText("bad\r\n");
                            return false;
                          }};
-  struct Row {
+  const struct {
     const char* what;
     std::int32_t fdc, hdc, scsi;
     const char* report;
     std::vector<std::string> progress;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"nothing on", 0, 0, 0, "", {}},
       {"the first of two", 1, 0, 0, "good\r\n", {"Good...                  Ok"}},
       {"the second of two", 0, -1, 0, "good\r\n", {"Good...                  Ok"}},
       {"failed", 0, 0, 1, "bad\r\n", {"A label of more than 25 letters...Failed"}},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     test::ReportRun run;
     ProfileSettings& settings = run.settings();
     settings.fdc = row.fdc;
@@ -208,28 +169,6 @@ TEST(ReportWorker, NothingStaysOpenWhicheverCallFails) {
       // Only a run that could not begin leaves no report, and its list says so.
       EXPECT_TRUE(run.state().run_complete || run.Progress().size() <= 1) << call << " " << nth;
     }
-  }
-}
-
-TEST(ProbeContext, TheSetupLibraryIsBoundForTheRun) {
-  host::Machine machine;
-  host::UseMachine use(machine);
-  {
-    ProbeContext context;
-    EXPECT_TRUE(context.has_setup_api());
-    EXPECT_EQ(machine.libraries.References("SETUPAPI.DLL"), 1U);
-    EXPECT_TRUE(context.page_files.present());
-  }
-  EXPECT_EQ(machine.libraries.References("SETUPAPI.DLL"), 0U);
-  for (const char* name :
-       {"SetupDiEnumDeviceInfo", "SetupDiDestroyDeviceInfoList", "SetupDiGetClassDevsA",
-        "SetupDiClassGuidsFromNameA", "SetupDiGetDeviceInstanceIdA"}) {
-    host::Machine lacking;
-    host::UseMachine use_lacking(lacking);
-    lacking.libraries.RemoveExport("SETUPAPI.DLL", name);
-    EXPECT_FALSE(ProbeContext().has_setup_api()) << name;
-    lacking.libraries.Remove("SETUPAPI.DLL");
-    EXPECT_FALSE(ProbeContext().has_setup_api());
   }
 }
 

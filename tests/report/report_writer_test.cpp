@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 
 #include "platform/host/machine.h"
@@ -22,16 +21,13 @@ class Writing : public testing::Test {
 };
 
 TEST_F(Writing, BannersAre84Wide) {
-  struct Row {
+  constexpr struct {
     const char* title;
-    std::size_t left;
-    std::size_t right;
-  };
-  constexpr Row kRows[] = {
-      {"SYSTEM INFORMATION", 32, 32}, {"DISPLAY", 37, 38}, {"", 41, 41}, {"X", 40, 41}};
+    std::size_t left, right;
+  } kRows[] = {{"SYSTEM INFORMATION", 32, 32}, {"DISPLAY", 37, 38}, {"", 41, 41}, {"X", 40, 41}};
   std::string expected;
   const std::string rule(84, '=');
-  for (const Row& row : kRows) {
+  for (const auto& row : kRows) {
     writer_.WriteBanner(row.title);
     expected += "\r\n" + rule + "\r\n" + std::string(row.left, '=') + " " + row.title + " " +
                 std::string(row.right, '=') + "\r\n" + rule + "\r\n";
@@ -52,22 +48,6 @@ TEST_F(Writing, FormattedLinesAreCutAndColumnsAreNot) {
             "A label of 27 characters...Size           :  4096 b\r\n"
             "A label that is longer than 27 charactersvalue\r\n" +
                 std::string(1023, 'x'));
-}
-
-TEST_F(Writing, DeviceBlocksShowTheirLabelOnce) {
-  char label[64] = "CDROM (total 2)";
-  DeviceRecord first = {"Drive one", "Maker", "01-02-1999"};
-  DeviceRecord second = {};
-  std::memset(second.name, 'n', 255);
-  writer_.WriteDeviceBlock(label, first);
-  writer_.WriteDeviceBlock(label, second);
-  writer_.Close();
-  const std::string blank(27, ' ');
-  EXPECT_EQ(Content(), "CDROM (total 2)            Description    :  Drive one\r\n" + blank +
-                           "Manufacturer   :  Maker\r\n" + blank +
-                           "Driver date    :  01-02-1999\r\n" + blank +
-                           "Description    :  " + std::string(255, 'n') + "\r\n" + blank +
-                           "Manufacturer   :  \r\n" + blank + "Driver date    :  \r\n");
 }
 
 TEST_F(Writing, EverythingIsInTheFileAfterAFlush) {
@@ -107,11 +87,7 @@ TEST_F(Writing, NoFile) {
 }
 
 TEST_F(Writing, Dates) {
-  struct Row {
-    host::LocalTime time;
-    const char* expected;
-  };
-  const Row rows[] = {
+  const std::pair<host::LocalTime, const char*> rows[] = {
       {{.year = 2002, .month = 3, .day = 7, .hour = 9, .minute = 5}, "07 March 2002 09:05"},
       {{.year = 1999, .month = 12, .day = 31, .hour = 23, .minute = 59}, "31 December 1999 23:59"},
       {{.year = 2000, .month = 1, .day = 1, .hour = 0, .minute = 0}, "01 January 2000 00:00"},
@@ -119,11 +95,11 @@ TEST_F(Writing, Dates) {
       {{.year = 65535, .month = 0, .day = 65535, .hour = 65535, .minute = 65535},
        "65535  65535 65535:65535"},
   };
-  for (const Row& row : rows) {
-    machine_.local_time = row.time;
+  for (const auto& [time, expected] : rows) {
+    machine_.local_time = time;
     char text[kReportDateSize] = {};
     FormatReportDate(text);
-    EXPECT_STREQ(text, row.expected);
+    EXPECT_STREQ(text, expected);
   }
 }
 

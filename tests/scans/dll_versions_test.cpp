@@ -34,11 +34,10 @@ TEST(DllVersions, WhoIsAskedAndWhatIsWritten) {
   ASSERT_EQ(host::StateDllVersion(machine, "older.dll", {false, true, {5, 81, 4916}}), "");
   ASSERT_EQ(host::StateDllVersion(machine, "refuses.dll", {}), "");
   ASSERT_EQ(host::StateDllVersion(machine, "nofile.dll", {}), "");
-  struct Row {
+  const struct {
     std::string entry;
     const char* expected;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"both.dll", "5.81.4916.65535"},
       {"BOTH", "5.81.4916.65535"},
       {"older.dll", "5.81.4916.0"},
@@ -53,7 +52,7 @@ TEST(DllVersions, WhoIsAskedAndWhatIsWritten) {
       {long_name, "dll is missing"},
   };
   std::string profile = "[DLLS]\r\n", expected;
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     profile += row.entry + "\r\n";
     const std::size_t blanks = row.entry.size() < 27 ? 27 - row.entry.size() : 0;
     expected += row.entry + std::string(blanks, ' ') + row.expected + "\r\n";

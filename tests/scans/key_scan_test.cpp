@@ -97,12 +97,11 @@ TEST_F(KeyScanRun, SubtreesNumbersAndDuplicates) {
   const Entries shallow = {"C:\\Own,0"};
   const Entries whole = {"C:\\C,0", "C:\\Own,0", "C:\\B,0"};
   const Entries flagged = {"C:\\C,7", "C:\\Own,7", "C:\\B,7"};
-  struct Row {
+  const struct {
     const char* entries;
     Entries expected;
     const char* folders = "";
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"HKLM\\K", shallow},
       {"HKLM\\K,0", shallow},
       {"HKLM\\K, 1", shallow},
@@ -115,7 +114,7 @@ TEST_F(KeyScanRun, SubtreesNumbersAndDuplicates) {
       {"HKLM\\K\\B\r\nHKLM\\K,1\r\nHKLM\\K\\B,0,1", {"C:\\B,0", "C:\\C,0", "C:\\Own,0", "C:\\B,1"}},
       {"HKLM\\K,1", {"C:\\B,0", "c:\\own,0", "C:\\C,0", "C:\\Own,0"}, "C:\\B,0\r\nc:\\own,0"},
   };
-  for (const Row& row : rows)
+  for (const auto& row : rows)
     EXPECT_EQ(FoldersAfter(row.entries, row.folders), row.expected) << row.entries;
 }
 

