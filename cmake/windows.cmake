@@ -26,7 +26,7 @@ endfunction()
 add_ordinary_exe(dialog_watch tools/dialog_watch.cpp)
 add_ordinary_exe(scan_times bench/scan_times.cpp tests/windows/driver.cpp
                  tests/windows/surroundings.cpp tests/windows/interception.cpp)
-target_link_libraries(scan_times PRIVATE version)
+target_link_libraries(scan_times PRIVATE version setupapi)
 # The program with a counter at its heap, for bench/memory.py alone.
 add_freestanding_objects(counted_heap bench/counted_heap.cpp)
 link_freestanding_exe(hscope_counted hscope_objects counted_heap)
