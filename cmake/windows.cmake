@@ -32,21 +32,13 @@ add_freestanding_objects(counted_heap bench/counted_heap.cpp)
 link_freestanding_exe(hscope_counted hscope_objects counted_heap)
 set_target_properties(hscope_counted hscope_counted_symbols PROPERTIES EXCLUDE_FROM_ALL ON)
 
-# The mail client of the tests: with all functions of Simple MAPI, and with one of them missing.
-function(add_mail_libraries)
+# The mail client of the tests.
+function(add_mail_library)
   set(folder tests/windows/mail_library)
-  file(STRINGS ${folder}/mail_library.def exports)
-  list(FILTER exports EXCLUDE REGEX MAPIResolveName)
-  list(JOIN exports "\n" exports)
-  file(WRITE ${CMAKE_BINARY_DIR}/mail_library_part.def "${exports}\n")
   add_library(mail_library SHARED ${folder}/mail_library.cpp ${folder}/mail_library.def)
-  add_library(mail_library_part SHARED ${folder}/mail_library.cpp
-              ${CMAKE_BINARY_DIR}/mail_library_part.def)
-  foreach(library IN ITEMS mail_library mail_library_part)
-    set_target_properties(${library} PROPERTIES PREFIX "")
-    target_compile_options(${library} PRIVATE -Wall -Wextra -Werror -O1)
-    target_link_options(${library} PRIVATE -static)
-  endforeach()
+  set_target_properties(mail_library PROPERTIES PREFIX "")
+  target_compile_options(mail_library PRIVATE -Wall -Wextra -Werror -O1)
+  target_link_options(mail_library PRIVATE -static)
 endfunction()
 
 # GoogleTest comes as sources with the distribution's package.
@@ -64,8 +56,8 @@ if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
     target_compile_definitions(exe_tests PRIVATE
                                HOSTSCOPE_FULL_PROFILE="Z:${PROJECT_SOURCE_DIR}/profiles/full.ini"
                                HOSTSCOPE_REPORTS_FOLDER="Z:${PROJECT_SOURCE_DIR}/tests/reports")
-    add_mail_libraries()
-    add_dependencies(exe_tests mail_library mail_library_part)
+    add_mail_library()
+    add_dependencies(exe_tests mail_library)
 
     # Libraries that the tests put beside the exe. DEFINITION is empty for one without a
     # DllGetVersion; the resource file may be left out.

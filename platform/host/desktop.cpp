@@ -221,12 +221,6 @@ void Desktop::StateAnswers(std::vector<int> answers) {
   state_->stated_answers.assign(answers.begin(), answers.end());
 }
 
-void Desktop::StateAnswerFunction(
-    std::function<std::optional<int>(const ShownMessageBox&)> function) {
-  const Lock lock(state_->mutex);
-  state_->answer_function = std::move(function);
-}
-
 void Desktop::SetPatience(std::optional<Limit> patience) {
   const Lock lock(state_->mutex);
   state_->patience = patience;

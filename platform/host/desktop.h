@@ -138,11 +138,9 @@ class Desktop {
   // Living threads other than the windows' own that have sent messages to a window.
   int SendingThreads() const;
 
-  // Message boxes. What comes first answers: the stated answers in their order, then the stated
-  // function (called on the box's thread; nothing means not now), then AnswerMessageBox. A box that
+  // Message boxes. The stated answers come first, in their order, then AnswerMessageBox. A box that
   // nobody answers within the patience is closed with 0, unless there is no patience set.
   void StateAnswers(std::vector<int> answers);
-  void StateAnswerFunction(std::function<std::optional<int>(const ShownMessageBox&)> function);
   void SetPatience(std::optional<Limit> patience);
   std::optional<ShownMessageBox> OpenMessageBox() const;  // the one that waits for an answer
   bool AnswerMessageBox(int answer);                      // false: none is open

@@ -169,7 +169,6 @@ struct DesktopState : std::enable_shared_from_this<DesktopState> {
   std::set<std::thread::id> senders;
 
   std::deque<int> stated_answers;
-  std::function<std::optional<int>(const ShownMessageBox&)> answer_function;
   std::optional<std::chrono::milliseconds> patience = Desktop::kLimit;
   std::vector<ShownMessageBox> shown_boxes;
   std::vector<std::shared_ptr<OpenBox>> open_boxes;  // innermost last

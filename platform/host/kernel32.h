@@ -295,9 +295,6 @@ BOOL WINAPI GlobalMemoryStatusEx(LPMEMORYSTATUSEX status);
 
 // ---- texts: kernel32_text.cpp ----
 
-LPSTR WINAPI lstrcpyA(LPSTR target, LPCSTR source);
-LPSTR WINAPI lstrcpynA(LPSTR target, LPCSTR source, int size);
-LPSTR WINAPI lstrcatA(LPSTR target, LPCSTR source);
 // The system code page alone. A length of -1 is a text with its terminator; a size of 0 asks for
 // the bytes needed. What the code page does not have becomes "?", decomposed characters too.
 int WINAPI WideCharToMultiByte(UINT code_page, DWORD flags, LPCWSTR text, int length, LPSTR target,

@@ -247,25 +247,6 @@ int WINAPI lstrcmpiA(LPCSTR left, LPCSTR right) {
   return Compare(left, right, false);
 }
 
-LPSTR WINAPI lstrcpyA(LPSTR target, LPCSTR source) {
-  if (CallFails("lstrcpyA") || target == nullptr || source == nullptr) return nullptr;
-  return std::strcpy(target, source);
-}
-
-LPSTR WINAPI lstrcpynA(LPSTR target, LPCSTR source, int size) {
-  if (CallFails("lstrcpynA") || target == nullptr || source == nullptr) return nullptr;
-  if (size <= 0) return target;
-  const std::size_t length = strnlen(source, static_cast<std::size_t>(size - 1));
-  std::memmove(target, source, length);
-  target[length] = '\0';
-  return target;
-}
-
-LPSTR WINAPI lstrcatA(LPSTR target, LPCSTR source) {
-  if (CallFails("lstrcatA") || target == nullptr || source == nullptr) return nullptr;
-  return std::strcat(target, source);
-}
-
 int WINAPI WideCharToMultiByte(UINT code_page, DWORD flags, LPCWSTR text, int length, LPSTR target,
                                int size, LPCSTR default_character, BOOL* default_used) {
   if (CallFails("WideCharToMultiByte")) {

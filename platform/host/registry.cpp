@@ -195,14 +195,6 @@ void Registry::SetExpandText(std::string_view path, std::string_view name, std::
   SetValue(path, name, kRegistryExpandText, std::string(text) + '\0');
 }
 
-void Registry::SetMultiText(std::string_view path, std::string_view name,
-                            std::initializer_list<std::string_view> texts) {
-  std::string data;
-  for (const std::string_view text : texts)
-    (data += text) += '\0';
-  SetValue(path, name, kRegistryMultiText, data + '\0');
-}
-
 void Registry::SetDword(std::string_view path, std::string_view name, DWORD number) {
   std::string data;
   for (unsigned shift = 0; shift < 32; shift += 8)

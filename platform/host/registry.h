@@ -119,8 +119,6 @@ class Registry {
   void SetValue(std::string_view path, std::string_view name, DWORD type, std::string_view data);
   void SetText(std::string_view path, std::string_view name, std::string_view text);
   void SetExpandText(std::string_view path, std::string_view name, std::string_view text);
-  void SetMultiText(std::string_view path, std::string_view name,
-                    std::initializer_list<std::string_view> texts);
   void SetDword(std::string_view path, std::string_view name, DWORD number);
   // Makes the key, empty when it is new.
   void MakeKey(std::string_view path);

@@ -341,10 +341,8 @@ inline constexpr UINT DFCS_FLAT = 0x4000;
 // Classes
 ATOM WINAPI RegisterClassA(const WNDCLASSA* window_class);
 ATOM WINAPI RegisterClassExA(const WNDCLASSEXA* window_class);
-BOOL WINAPI UnregisterClassA(LPCSTR name, HINSTANCE instance);
 BOOL WINAPI GetClassInfoA(HINSTANCE instance, LPCSTR name, LPWNDCLASSA window_class);
 BOOL WINAPI GetClassInfoExA(HINSTANCE instance, LPCSTR name, LPWNDCLASSEXA window_class);
-int WINAPI GetClassNameA(HWND window, LPSTR name, int size);
 ULONG_PTR WINAPI GetClassLongPtrA(HWND window, int index);
 ULONG_PTR WINAPI SetClassLongPtrA(HWND window, int index, LONG_PTR value);
 
@@ -354,24 +352,17 @@ HWND WINAPI CreateWindowExA(DWORD extended_style, LPCSTR class_name, LPCSTR titl
                             HINSTANCE instance, LPVOID creation_data);
 BOOL WINAPI DestroyWindow(HWND window);
 BOOL WINAPI IsWindow(HWND window);
-BOOL WINAPI IsWindowVisible(HWND window);
 BOOL WINAPI IsWindowEnabled(HWND window);
 BOOL WINAPI EnableWindow(HWND window, BOOL enable);
 BOOL WINAPI ShowWindow(HWND window, int command);
 BOOL WINAPI MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint);
 BOOL WINAPI GetClientRect(HWND window, LPRECT rectangle);
 BOOL WINAPI GetWindowRect(HWND window, LPRECT rectangle);
-BOOL WINAPI ScreenToClient(HWND window, LPPOINT point);
-BOOL WINAPI ClientToScreen(HWND window, LPPOINT point);
 HWND WINAPI GetParent(HWND window);
 BOOL WINAPI IsChild(HWND parent, HWND window);
-HWND WINAPI FindWindowA(LPCSTR class_name, LPCSTR title);
-LONG WINAPI GetWindowLongA(HWND window, int index);
-LONG WINAPI SetWindowLongA(HWND window, int index, LONG value);
 LONG_PTR WINAPI GetWindowLongPtrA(HWND window, int index);
 LONG_PTR WINAPI SetWindowLongPtrA(HWND window, int index, LONG_PTR value);
 int WINAPI GetWindowTextA(HWND window, LPSTR text, int size);
-int WINAPI GetWindowTextLengthA(HWND window);
 BOOL WINAPI SetWindowTextA(HWND window, LPCSTR text);
 
 // Messages
@@ -380,7 +371,6 @@ LRESULT WINAPI CallWindowProcA(WNDPROC procedure, HWND window, UINT message, WPA
                                LPARAM lparam);
 LRESULT WINAPI SendMessageA(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 BOOL WINAPI PostMessageA(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
-void WINAPI PostQuitMessage(int exit_code);
 BOOL WINAPI GetMessageA(LPMSG message, HWND window, UINT first, UINT last);
 BOOL WINAPI PeekMessageA(LPMSG message, HWND window, UINT first, UINT last, UINT options);
 BOOL WINAPI TranslateMessage(const MSG* message);
@@ -392,27 +382,18 @@ HWND WINAPI GetFocus();
 HWND WINAPI SetCapture(HWND window);
 HWND WINAPI GetCapture();
 BOOL WINAPI ReleaseCapture();
-SHORT WINAPI GetKeyState(int key);
 
 // Dialogs and message boxes
 INT_PTR WINAPI DialogBoxParamA(HINSTANCE instance, LPCSTR dialog, HWND owner, DLGPROC procedure,
                                LPARAM parameter);
 BOOL WINAPI EndDialog(HWND dialog, INT_PTR result);
-BOOL WINAPI IsDialogMessageA(HWND dialog, LPMSG message);
-LRESULT WINAPI DefDlgProcA(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam);
 HWND WINAPI GetDlgItem(HWND dialog, int id);
 int WINAPI GetDlgCtrlID(HWND window);
 LRESULT WINAPI SendDlgItemMessageA(HWND dialog, int id, UINT message, WPARAM wparam, LPARAM lparam);
-BOOL WINAPI SetDlgItemTextA(HWND dialog, int id, LPCSTR text);
-UINT WINAPI GetDlgItemTextA(HWND dialog, int id, LPSTR text, int size);
-BOOL WINAPI CheckDlgButton(HWND dialog, int id, UINT check);
-UINT WINAPI IsDlgButtonChecked(HWND dialog, int id);
-HWND WINAPI GetNextDlgTabItem(HWND dialog, HWND control, BOOL previous);
 int WINAPI MessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT style);
 
 // Painting
 BOOL WINAPI InvalidateRect(HWND window, const RECT* rectangle, BOOL erase);
-BOOL WINAPI ValidateRect(HWND window, const RECT* rectangle);
 BOOL WINAPI UpdateWindow(HWND window);
 BOOL WINAPI GetUpdateRect(HWND window, LPRECT rectangle, BOOL erase);
 HDC WINAPI BeginPaint(HWND window, LPPAINTSTRUCT paint);
@@ -428,15 +409,11 @@ BOOL WINAPI DrawFrameControl(HDC dc, LPRECT rectangle, UINT kind, UINT state);
 BOOL WINAPI DrawFocusRect(HDC dc, const RECT* rectangle);
 int WINAPI FillRect(HDC dc, const RECT* rectangle, HBRUSH brush);
 DWORD WINAPI GetSysColor(int index);
-HBRUSH WINAPI GetSysColorBrush(int index);
 int WINAPI GetSystemMetrics(int index);
 // Bound at run time. The modes of the current display (a null device), counted from 0; the numbers
 // that stand for the current mode are not known.
 BOOL WINAPI EnumDisplaySettingsA(LPCSTR device, DWORD index, LPDEVMODEA mode);
 
-// Rectangles
-BOOL WINAPI SetRect(LPRECT rectangle, int left, int top, int right, int bottom);
-BOOL WINAPI CopyRect(LPRECT target, const RECT* source);
 BOOL WINAPI OffsetRect(LPRECT rectangle, int x, int y);
 BOOL WINAPI InflateRect(LPRECT rectangle, int x, int y);
 BOOL WINAPI PtInRect(const RECT* rectangle, POINT point);

@@ -151,14 +151,6 @@ ATOM RegisterClassExA(const WNDCLASSEXA* window_class) {
   return host::Register(*window_class);
 }
 
-BOOL UnregisterClassA(LPCSTR name, HINSTANCE) {
-  if (CallFails("UnregisterClassA")) return FALSE;
-  const auto found = host::FindClass(name);
-  if (!found) return FALSE;
-  const host::LockedDesktop desktop;
-  return desktop->classes.erase(found->name) != 0;
-}
-
 BOOL GetClassInfoA(HINSTANCE, LPCSTR name, LPWNDCLASSA window_class) {
   if (CallFails("GetClassInfoA")) return FALSE;
   const auto found = host::FindClass(name);
@@ -177,14 +169,6 @@ BOOL GetClassInfoExA(HINSTANCE, LPCSTR name, LPWNDCLASSEXA window_class) {
   *window_class = found->record;
   window_class->lpszClassName = name;
   return TRUE;
-}
-
-int GetClassNameA(HWND handle, LPSTR name, int size) {
-  if (CallFails("GetClassNameA")) return 0;
-  const host::LockedDesktop desktop;
-  const host::WindowPointer window = desktop.Find(handle);
-  if (!window) return 0;
-  return host::CopyOut(window->window_class->name, name, size);
 }
 
 ULONG_PTR GetClassLongPtrA(HWND window, int index) {

@@ -339,11 +339,6 @@ BOOL EndDialog(HWND dialog, INT_PTR result) {
   return host::EndTheDialog(dialog, result);
 }
 
-LRESULT DefDlgProcA(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
-  if (CallFails("DefDlgProcA")) return 0;
-  return host::DialogProcedure(dialog, message, wparam, lparam);
-}
-
 HWND GetDlgItem(HWND dialog, int id) {
   if (CallFails("GetDlgItem")) return nullptr;
   {
@@ -365,30 +360,4 @@ int GetDlgCtrlID(HWND handle) {
 LRESULT SendDlgItemMessageA(HWND dialog, int id, UINT message, WPARAM wparam, LPARAM lparam) {
   if (CallFails("SendDlgItemMessageA")) return 0;
   return host::Send(host::ControlOf(dialog, id), message, wparam, lparam);
-}
-
-BOOL SetDlgItemTextA(HWND dialog, int id, LPCSTR text) {
-  if (CallFails("SetDlgItemTextA")) return FALSE;
-  return host::Send(host::ControlOf(dialog, id), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text)) !=
-         0;
-}
-
-UINT GetDlgItemTextA(HWND dialog, int id, LPSTR text, int size) {
-  if (CallFails("GetDlgItemTextA")) return 0;
-  if (size > 0) text[0] = 0;
-  return static_cast<UINT>(host::Send(host::ControlOf(dialog, id), WM_GETTEXT,
-                                      static_cast<WPARAM>(size), reinterpret_cast<LPARAM>(text)));
-}
-
-BOOL CheckDlgButton(HWND dialog, int id, UINT check) {
-  if (CallFails("CheckDlgButton")) return FALSE;
-  const HWND button = host::ControlOf(dialog, id);
-  if (button == nullptr) return FALSE;
-  host::Send(button, BM_SETCHECK, check, 0);
-  return TRUE;
-}
-
-UINT IsDlgButtonChecked(HWND dialog, int id) {
-  if (CallFails("IsDlgButtonChecked")) return 0;
-  return static_cast<UINT>(host::Send(host::ControlOf(dialog, id), BM_GETCHECK, 0, 0));
 }

@@ -203,13 +203,3 @@ bool DialogMessage(HWND dialog, const MSG& message) {
 }  // namespace host
 
 using host::CallFails;
-
-BOOL IsDialogMessageA(HWND dialog, LPMSG message) {
-  if (CallFails("IsDialogMessageA")) return FALSE;
-  return host::DialogMessage(dialog, *message);
-}
-
-HWND GetNextDlgTabItem(HWND dialog, HWND control, BOOL previous) {
-  if (CallFails("GetNextDlgTabItem")) return nullptr;
-  return host::NextTabItem(dialog, control, previous != FALSE);
-}

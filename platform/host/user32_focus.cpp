@@ -142,12 +142,3 @@ BOOL ReleaseCapture() {
   host::MoveCapture(nullptr);
   return TRUE;
 }
-
-SHORT GetKeyState(int key) {
-  if (CallFails("GetKeyState")) return 0;
-  const LockedDesktop desktop;
-  const auto queue = desktop->OwnQueue();
-  const bool down =
-      (key == static_cast<int>(VK_SHIFT) && queue->shift_down) || (key == 1 && queue->button_down);
-  return down ? static_cast<SHORT>(-0x8000) : SHORT{0};
-}

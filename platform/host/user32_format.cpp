@@ -172,12 +172,6 @@ LPSTR MapText(LPSTR text, char (*map)(char)) {
   return text;
 }
 
-DWORD MapBuffer(LPSTR text, DWORD length, char (*map)(char)) {
-  if (text == nullptr) return 0;
-  std::transform(text, text + length, text, map);
-  return length;
-}
-
 }  // namespace
 
 int WINAPI wvsprintfA(LPSTR buffer, LPCSTR format, std::va_list arguments) {
@@ -206,14 +200,4 @@ LPSTR WINAPI CharUpperA(LPSTR text) {
 LPSTR WINAPI CharLowerA(LPSTR text) {
   if (CallFails("CharLowerA")) return nullptr;
   return MapText(text, LowerCase);
-}
-
-DWORD WINAPI CharUpperBuffA(LPSTR text, DWORD length) {
-  if (CallFails("CharUpperBuffA")) return 0;
-  return MapBuffer(text, length, UpperCase);
-}
-
-DWORD WINAPI CharLowerBuffA(LPSTR text, DWORD length) {
-  if (CallFails("CharLowerBuffA")) return 0;
-  return MapBuffer(text, length, LowerCase);
 }

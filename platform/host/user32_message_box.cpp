@@ -56,19 +56,12 @@ HWND MakeBoxWindow(const ShownMessageBox& box) {
   return MakeWindow(std::move(plan));
 }
 
-// What the test has stated before, or its function says now.
-std::optional<int> StatedAnswer(const ShownMessageBox& box) {
-  std::function<std::optional<int>(const ShownMessageBox&)> ask;
-  {
-    const LockedDesktop desktop;
-    if (!desktop->stated_answers.empty()) {
-      const int answer = desktop->stated_answers.front();
-      desktop->stated_answers.pop_front();
-      return answer;
-    }
-    ask = desktop->answer_function;
-  }
-  return ask ? ask(box) : std::nullopt;
+std::optional<int> StatedAnswer() {
+  const LockedDesktop desktop;
+  if (desktop->stated_answers.empty()) return std::nullopt;
+  const int answer = desktop->stated_answers.front();
+  desktop->stated_answers.pop_front();
+  return answer;
 }
 
 // The answer that the open box has by now.
@@ -128,7 +121,7 @@ int RunBox(const ShownMessageBox& box) {
     const OpenBoxRecord record(box);
     window = record.open().window;
     Show(window, true);
-    const std::optional<int> stated = StatedAnswer(box);
+    const std::optional<int> stated = StatedAnswer();
     answer = stated ? *stated : WaitForAnswer(record.open());
   }
   if (box.owner != nullptr) Enable(box.owner, true);

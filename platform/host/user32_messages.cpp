@@ -154,13 +154,6 @@ BOOL PostMessageA(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
   return host::Post(window, message, wparam, lparam);
 }
 
-void PostQuitMessage(int exit_code) {
-  if (CallFails("PostQuitMessage")) return;
-  const host::LockedDesktop desktop;
-  desktop->OwnQueue()->quit_code = exit_code;
-  desktop->Changed();
-}
-
 BOOL GetMessageA(LPMSG message, HWND window, UINT first, UINT last) {
   if (CallFails("GetMessageA")) return -1;
   return host::Retrieve(*message, {window, first, last}, {}) == host::Retrieved::kMessage;

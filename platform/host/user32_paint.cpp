@@ -140,23 +140,6 @@ BOOL InvalidateRect(HWND handle, const RECT* rectangle, BOOL erase) {
   return TRUE;
 }
 
-BOOL ValidateRect(HWND handle, const RECT* rectangle) {
-  if (CallFails("ValidateRect")) return FALSE;
-  const LockedDesktop desktop;
-  const WindowPointer window = desktop.Find(handle);
-  if (!window) return FALSE;
-  // Update areas are kept as rectangles: a part leaves the rest as it is only when it covers it.
-  const std::optional<RECT>& update = window->update;
-  const bool covers = rectangle == nullptr ||
-                      (update && rectangle->left <= update->left && rectangle->top <= update->top &&
-                       rectangle->right >= update->right && rectangle->bottom >= update->bottom);
-  if (covers) {
-    window->update.reset();
-    window->erase_pending = false;
-  }
-  return TRUE;
-}
-
 BOOL UpdateWindow(HWND handle) {
   if (CallFails("UpdateWindow")) return FALSE;
   std::vector<HWND> unpainted;
@@ -244,29 +227,9 @@ DWORD GetSysColor(int index) {
   return host::SystemColor(index);
 }
 
-HBRUSH GetSysColorBrush(int index) {
-  if (CallFails("GetSysColorBrush")) return nullptr;
-  const bool known = index >= 0 && index < static_cast<int>(host::kHighestBackgroundColor);
-  return known ? reinterpret_cast<HBRUSH>(host::kSystemColorBrushes +
-                                          static_cast<std::uintptr_t>(index))
-               : nullptr;
-}
-
 int GetSystemMetrics(int index) {
   if (CallFails("GetSystemMetrics")) return 0;
   return host::SystemMetric(index);
-}
-
-BOOL SetRect(LPRECT rectangle, int left, int top, int right, int bottom) {
-  if (CallFails("SetRect")) return FALSE;
-  *rectangle = {left, top, right, bottom};
-  return TRUE;
-}
-
-BOOL CopyRect(LPRECT target, const RECT* source) {
-  if (CallFails("CopyRect")) return FALSE;
-  *target = *source;
-  return TRUE;
 }
 
 BOOL OffsetRect(LPRECT rectangle, int x, int y) {

@@ -80,17 +80,3 @@ BOOL GetWindowRect(HWND handle, LPRECT rectangle) {
     *rectangle = desktop->ScreenRectangle(window);
   });
 }
-
-BOOL ScreenToClient(HWND handle, LPPOINT point) {
-  return AskWindow("ScreenToClient", handle, [&](const auto& desktop, const auto& window) {
-    const POINT origin = desktop->ClientOrigin(window);
-    *point = {point->x - origin.x, point->y - origin.y};
-  });
-}
-
-BOOL ClientToScreen(HWND handle, LPPOINT point) {
-  return AskWindow("ClientToScreen", handle, [&](const auto& desktop, const auto& window) {
-    const POINT origin = desktop->ClientOrigin(window);
-    *point = {point->x + origin.x, point->y + origin.y};
-  });
-}

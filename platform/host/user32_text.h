@@ -16,5 +16,3 @@ int WINAPI wvsprintfA(LPSTR buffer, LPCSTR format, std::va_list arguments);
 // A pointer below 0x10000 is a single character and is answered as one.
 LPSTR WINAPI CharUpperA(LPSTR text);
 LPSTR WINAPI CharLowerA(LPSTR text);
-DWORD WINAPI CharUpperBuffA(LPSTR text, DWORD length);
-DWORD WINAPI CharLowerBuffA(LPSTR text, DWORD length);

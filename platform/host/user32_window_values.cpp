@@ -68,11 +68,6 @@ LONG_PTR Exchange(HWND handle, int index, const LONG_PTR* value) {
   return earlier;
 }
 
-// The 32-bit functions cannot carry an address.
-bool HoldsAddress(int index) {
-  return index == GWLP_WNDPROC || index == GWLP_HINSTANCE;
-}
-
 }  // namespace
 
 HWND GetParent(HWND handle) {
@@ -87,38 +82,6 @@ BOOL IsChild(HWND parent, HWND window) {
   if (CallFails("IsChild")) return FALSE;
   const LockedDesktop desktop;
   return parent != window && desktop->IsInside(parent, window);
-}
-
-HWND FindWindowA(LPCSTR class_name, LPCSTR title) {
-  if (CallFails("FindWindowA")) return nullptr;
-  const LockedDesktop desktop;
-  for (const HWND handle : desktop->top_windows) {
-    const WindowPointer window = desktop->Find(handle);
-    if (class_name != nullptr && !host::EqualNoCase(class_name, window->window_class->name)) {
-      continue;
-    }
-    if (title == nullptr || host::EqualNoCase(title, window->text)) return handle;
-  }
-  return nullptr;
-}
-
-LONG GetWindowLongA(HWND window, int index) {
-  if (CallFails("GetWindowLongA")) return 0;
-  if (HoldsAddress(index)) {
-    SetLastError(host::kInvalidIndex);
-    return 0;
-  }
-  return static_cast<LONG>(Exchange(window, index, nullptr));
-}
-
-LONG SetWindowLongA(HWND window, int index, LONG value) {
-  if (CallFails("SetWindowLongA")) return 0;
-  if (HoldsAddress(index)) {
-    SetLastError(host::kInvalidIndex);
-    return 0;
-  }
-  const LONG_PTR wide = value;
-  return static_cast<LONG>(Exchange(window, index, &wide));
 }
 
 LONG_PTR GetWindowLongPtrA(HWND window, int index) {
@@ -136,11 +99,6 @@ int GetWindowTextA(HWND window, LPSTR text, int size) {
   if (size > 0) text[0] = 0;
   return static_cast<int>(
       host::Send(window, WM_GETTEXT, static_cast<WPARAM>(size), reinterpret_cast<LPARAM>(text)));
-}
-
-int GetWindowTextLengthA(HWND window) {
-  if (CallFails("GetWindowTextLengthA")) return 0;
-  return static_cast<int>(host::Send(window, WM_GETTEXTLENGTH, 0, 0));
 }
 
 BOOL SetWindowTextA(HWND window, LPCSTR text) {

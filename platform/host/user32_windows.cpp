@@ -243,13 +243,6 @@ BOOL IsWindow(HWND window) {
   return desktop->Find(window) != nullptr;
 }
 
-BOOL IsWindowVisible(HWND handle) {
-  if (CallFails("IsWindowVisible")) return FALSE;
-  const LockedDesktop desktop;
-  const WindowPointer window = desktop.Find(handle);
-  return window && desktop->IsVisible(*window);
-}
-
 BOOL IsWindowEnabled(HWND handle) {
   if (CallFails("IsWindowEnabled")) return FALSE;
   const LockedDesktop desktop;

@@ -318,22 +318,6 @@ TEST_F(Button, IsPressedByKeysAndMouse) {
   }
 }
 
-TEST_F(Button, TakesTheFocusWhenItIsClicked) {
-  desktop().MouseDown(window_, 5, 5);
-  EXPECT_EQ(desktop().Focus(), window_);
-  EXPECT_EQ(Look(), kPressed);
-  desktop().MouseUp(window_, 5, 5);
-  EXPECT_EQ(Look(), kFocused);
-}
-
-TEST_F(Button, KnowsNoOtherKeys) {
-  SetFocus(window_);
-  desktop().KeyPress('A');
-  desktop().KeyPress(VK_LEFT);
-  EXPECT_EQ(Look(), kFocused);
-  EXPECT_TRUE(notices.empty());
-}
-
 TEST_F(Button, KeepsItsFocusedLookWhenAnotherWindowComesToTheFront) {
   SetFocus(window_);
   EXPECT_EQ(Look(), kFocused);
@@ -404,16 +388,6 @@ TEST_F(CheckBox, DrawsItselfEmbossedOrDisabled) {
   EXPECT_FALSE(IsWindowEnabled(window_));
   EXPECT_TRUE(check_box_.Enable(true));
   EXPECT_TRUE(IsWindowEnabled(window_));
-}
-
-TEST_F(CheckBox, StaysACheckBoxForMouseAndKeyboard) {
-  desktop().Click(window_, 5, 5);
-  EXPECT_EQ(check_box_.GetCheck(), 1);
-  EXPECT_EQ(notices, (std::vector<Notice>{{WM_COMMAND, 5, reinterpret_cast<LPARAM>(window_)}}));
-  SetFocus(window_);
-  desktop().KeyPress(VK_SPACE);
-  EXPECT_EQ(check_box_.GetCheck(), 0);
-  EXPECT_EQ(notices.size(), 2u);
 }
 
 TEST_F(CheckBox, ShowsTheFocusAroundItsLabel) {

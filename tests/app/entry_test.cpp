@@ -32,13 +32,8 @@ TEST(Entry, WritesTheReportWhereItBelongs) {
   };
   const Row rows[] = {
       {"a profile beside the program", "any.ini", "", "", "hscope.txt"},
-      {"a profile below it", "sub/my.ini", "", " \"sub\\my.ini\"", "hscope.txt"},
-      {"an unquoted profile", "my.ini", "", " my.ini", "hscope.txt"},
       {"a relative folder counts from the program's", "my.ini", "", " \"my.ini\" \"sub\"",
        "sub/hscope.txt"},
-      {"a folder", "my.ini", "", " \"my.ini\" \"@\\sub\"", "sub/hscope.txt"},
-      {"a folder that does not count", "my.ini", "OutputFolder=3\r\n", " \"my.ini\" \"@\\sub\"",
-       "hscope.txt"},
       {"the desktop", "my.ini", "OutputFolder=1\r\nReportFileName=all.txt\r\n", "", "sub/all.txt"},
       {"an agreed message", "my.ini", "CreateMessageBox=1\r\nMessageButtons=4\r\n", "",
        "hscope.txt"},
@@ -58,28 +53,6 @@ TEST(Entry, WritesTheReportWhereItBelongs) {
     const std::string report = run.folder().Read(row.report);
     EXPECT_TRUE(report.find("Temp folder                C:\\TEMP\r\n") != std::string::npos)
         << report;
-  }
-}
-
-TEST(Entry, SaysInTheListWhatIsMissing) {
-  struct Row {
-    const char* arguments;
-    const char* line;
-  };
-  const Row rows[] = {
-      {" \"none.ini\"", "Can not open ini file!"},
-      {" \"test.ini\" \"@\\none\"", "Can not open output file!"},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.line);
-    ProgramRun run;
-    run.WriteProfile("[POST-RUN]\r\nEmail=1\r\n");
-    run.Start(InFolder(row.arguments, run));
-    ASSERT_TRUE(run.WaitForFinish());
-    EXPECT_EQ(run.Lines(), (std::vector<std::string>{row.line, "", "Press any key..."}));
-    run.Press('X');
-    EXPECT_EQ(run.WaitForExit(), 0);
-    EXPECT_FALSE(run.folder().Holds("hscope.txt"));
   }
 }
 

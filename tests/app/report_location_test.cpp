@@ -46,7 +46,6 @@ TEST(ReportLocation, FollowsOutputFolderAndName) {
   const Row rows[] = {
       {{"no argument", 0, nullptr, "hscope.txt"},
        {"C:\\Tools\\Hscope", "C:\\Tools\\Hscope\\hscope.txt"}},
-      {{"an argument", 0, "C:\\Out", "hscope.txt"}, {"C:\\Out", "C:\\Out\\hscope.txt"}},
       {{"an argument with its backslash", 0, "C:\\Out\\", "r.txt"},
        {"C:\\Out\\", "C:\\Out\\r.txt"}},
       {{"a relative argument", 0, "reports", "hscope.txt"}, {"reports", "reports\\hscope.txt"}},
@@ -55,8 +54,6 @@ TEST(ReportLocation, FollowsOutputFolderAndName) {
        {"C:\\WINNT\\Profiles\\jdoe\\Desktop", "C:\\WINNT\\Profiles\\jdoe\\Desktop\\r.txt"}},
       {{"the documents", 2, nullptr, "r.txt"}, {"D:\\Documents", "D:\\Documents\\r.txt"}},
       {{"any other number", 3, "C:\\Out", "r.txt"},
-       {"C:\\Tools\\Hscope", "C:\\Tools\\Hscope\\r.txt"}},
-      {{"a negative number", -1, "C:\\Out", "r.txt"},
        {"C:\\Tools\\Hscope", "C:\\Tools\\Hscope\\r.txt"}},
       {{"a name that is a path", 2, "C:\\Out", "E:\\all\\r.txt"},
        {"D:\\Documents", "E:\\all\\r.txt"}},

@@ -13,7 +13,6 @@ namespace contract {
 namespace {
 
 constexpr int kList = 102;
-constexpr int kPlainList = 103;
 constexpr int kCheckBox = 1002;
 constexpr int kDisabledCheckBox = 1003;
 constexpr int kButton = 7;
@@ -23,7 +22,6 @@ constexpr UINT kStep = WM_USER + 100;
 constexpr DWORD kChild = WS_CHILD | WS_VISIBLE | WS_TABSTOP;
 constexpr Control kControls[] = {
     {"LISTBOX", "", kList, kChild | LBS_NOINTEGRALHEIGHT, WS_EX_CLIENTEDGE},
-    {"LISTBOX", "", kPlainList, WS_CHILD | WS_VISIBLE | LBS_NOSEL | LBS_NOINTEGRALHEIGHT, 0},
     {"BUTTON", "&Check", kCheckBox, kChild | BS_AUTOCHECKBOX, 0},
     {"BUTTON", "&Disabled", kDisabledCheckBox, kChild | BS_AUTOCHECKBOX | WS_DISABLED, 0},
     {"BUTTON", "&Button", kButton, kChild | BS_PUSHBUTTON, 0},
@@ -183,19 +181,6 @@ TEST(DialogContract, ListBoxFromAnotherThread) {
   list_work = nullptr;
 }
 
-// The program's list shows no selection, but has a current line all the same.
-TEST(DialogContract, CurrentLineWithoutSelection) {
-  AtOnce([](HWND dialog) {
-    const HWND list = GetDlgItem(dialog, kPlainList);
-    SendMessageA(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>("one"));
-    SendMessageA(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>("two"));
-    SendMessageA(list, LB_SETCURSEL, 1, 0);
-    ExpectAnswer("current", 1, SendMessageA(list, LB_GETCURSEL, 0, 0));
-    ExpectAnswer("delete", 1, SendMessageA(list, LB_DELETESTRING, 1, 0));
-    ExpectAnswer("count", 1, SendMessageA(list, LB_GETCOUNT, 0, 0));
-  });
-}
-
 // ---- check boxes ----
 
 TEST(DialogContract, CheckBox) {
@@ -346,17 +331,6 @@ TEST(DialogContract, FocusMoves) {
 
 // ---- the end ----
 
-TEST(DialogContract, Result) {
-  for (const INT_PTR result : {INT_PTR{0}, INT_PTR{1}, INT_PTR{-1}, INT_PTR{77}}) {
-    Place place;
-    Script dialog{nullptr, nullptr, [&](HWND window, WORD) { EndDialog(window, result); }};
-    dialog.start = [](HWND window) { PostMessageA(window, WM_COMMAND, kClose, 0); };
-    ExpectAnswer("EndDialog later", result, RunScript(place, dialog));
-    dialog.start = [&](HWND window) { EndDialog(window, result); };
-    ExpectAnswer("EndDialog at the start", result, RunScript(place, dialog));
-  }
-}
-
 TEST(DialogContract, CloseBoxIsCommand2) {
   for (const UINT message : {UINT{WM_CLOSE}, UINT{WM_SYSCOMMAND}}) {
     Place place;
@@ -399,15 +373,8 @@ TEST(DialogContract, WindowValues) {
     char text[32] = "~~~~~~~~~~";
     ExpectAnswer("length of the text", 7, GetWindowTextA(button, text, sizeof text));
     ExpectAnswer("text", "&Button", text);
-    ExpectAnswer("cut text", 3, GetWindowTextA(button, text, 4));
-    ExpectAnswer("cut", "&Bu", text);
-    ExpectAnswer("new text", "yes", Outcome(SetWindowTextA(button, "New")));
-    ExpectAnswer("its length", 3, GetWindowTextLengthA(button));
     GetWindowTextA(dialog, text, sizeof text);
     ExpectAnswer("caption", "Contract", text);
-    ExpectAnswer("class", 6, GetClassNameA(button, text, sizeof text));
-    ExpectAnswer("class name", 0, lstrcmpiA("button", text));
-
     ExpectAnswer("style", true, (GetWindowLongPtrA(button, GWL_STYLE) & WS_TABSTOP) != 0);
     ExpectAnswer("user data", 0, SetWindowLongPtrA(button, GWLP_USERDATA, 1234));
     ExpectAnswer("user data, previous", 1234, SetWindowLongPtrA(button, GWLP_USERDATA, 5));
@@ -415,18 +382,6 @@ TEST(DialogContract, WindowValues) {
     ExpectAnswer("enabled before", 0, EnableWindow(button, FALSE));
     ExpectAnswer("disabled", FALSE, IsWindowEnabled(button));
     ExpectAnswer("disabled before", true, EnableWindow(button, TRUE) != 0);
-  });
-}
-
-TEST(DialogContract, Capture) {
-  AtOnce([](HWND dialog) {
-    const HWND list = GetDlgItem(dialog, kList);
-    ExpectAnswer("none", true, GetCapture() == nullptr);
-    ExpectAnswer("none before", true, SetCapture(dialog) == nullptr);
-    ExpectAnswer("taken", true, GetCapture() == dialog);
-    ExpectAnswer("the one before", true, SetCapture(list) == dialog);
-    ExpectAnswer("release", "yes", Outcome(ReleaseCapture()));
-    ExpectAnswer("released", true, GetCapture() == nullptr);
   });
 }
 

@@ -28,18 +28,12 @@ struct Installed {
 
 // A mail client that comes before all others.
 struct Client {
-  explicit Client(const std::string& library, const std::string& default_client = "!client")
-      : name(RegistryValue::Text(HKEY_LOCAL_MACHINE, kMail, "", default_client)),
+  explicit Client(const std::string& library)
+      : name(RegistryValue::Text(HKEY_LOCAL_MACHINE, kMail, "", "!client")),
         path(RegistryValue::Text(HKEY_LOCAL_MACHINE, std::string(kMail) + "\\!client", "DLLPath",
                                  library)) {}
   RegistryValue name, path;
 };
-
-// The test's own library beside the program, under a name.
-void PutLibrary(const Folder& folder, const char* library, const std::string& name) {
-  const std::string own = OwnProgramFolder() + "\\" + library;
-  ASSERT_TRUE(CopyFileA(own.c_str(), folder.Path(name).c_str(), TRUE)) << own;
-}
 
 // Runs the program to its end: what the library was handed, empty for nothing.
 std::string MailOf(const Folder& folder) {
@@ -74,47 +68,15 @@ TEST_P(MailOnEveryRelease, IsPreparedWhereSimpleMapiIsInstalled) {
   for (const Row& row : {Row{"1", "0", knows_key}, {"0", "1", true}, {"0", "0", false}}) {
     SCOPED_TRACE(std::string(row.registry) + row.win_ini);
     const Folder folder;
-    PutLibrary(folder, "mail_library.dll", "post.dll");
+    folder.CopyFromBuild("mail_library.dll");
     const Installed installed(row.registry, row.win_ini);
-    const Client client(folder.Path("post.dll"));
+    const Client client(folder.Path("mail_library.dll"));
     EXPECT_EQ(MailOf(folder), row.installed ? ExpectedMail(folder) : "");
   }
 }
 
 INSTANTIATE_TEST_SUITE_P(Mail, MailOnEveryRelease, testing::ValuesIn(kReleases),
                          testing::PrintToStringParamName());
-
-TEST(Mail, FindsTheClientsLibrary) {
-  struct Row {
-    const char* what;
-    const char* library;  // of the project
-    const char* name;     // beside the program
-    const char* dll_path;
-    std::string default_client;
-    bool mailed;
-  };
-  const std::string unreadable(300, '!');
-  const Row rows[] = {
-      {"a variable", "mail_library.dll", "post.dll", "%HSCOPE_POST%\\post.dll", "!client", true},
-      {"the first client", "mail_library.dll", "post.dll", "post.dll", unreadable, true},
-      {"no path", "mail_library.dll", "mapi32.dll", "", "!client", true},
-      {"no such client", "mail_library.dll", "mapi32.dll", "post.dll", "!other", true},
-      {"a function is missing", "mail_library_part.dll", "post.dll", "post.dll", "!client", false},
-      {"the library is missing", "mail_library.dll", "other.dll", "post.dll", "!client", false},
-  };
-  const auto own = RegistryValue::Text(HKEY_CURRENT_USER,
-                                       "Software\\Wine\\AppDefaults\\hscope.exe\\DllOverrides",
-                                       "mapi32", "native");
-  const Installed installed("1", "0");
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.what);
-    const Folder folder;
-    const EnvironmentVariable variable("HSCOPE_POST", folder.path());
-    PutLibrary(folder, row.library, row.name);
-    const Client client(row.dll_path, row.default_client);
-    EXPECT_EQ(MailOf(folder), row.mailed ? ExpectedMail(folder) : "");
-  }
-}
 
 TEST(Report, IsOpenedWhenItIsComplete) {
   const Folder folder;

@@ -207,10 +207,6 @@ HWND Program::CloseButton() const {
   return Item(kCloseId);
 }
 
-HWND Program::ChildAt(POINT point) const {
-  return ChildWindowFromPointEx(dialog_, point, CWP_SKIPINVISIBLE);
-}
-
 HWND Program::Focus() const {
   GUITHREADINFO info = {};
   info.cbSize = sizeof(info);

@@ -46,8 +46,6 @@ class Program {
   HWND List() const;
   HWND CheckBox() const;
   HWND CloseButton() const;
-  // The control that a click at this point of the dialog's client area meets.
-  HWND ChildAt(POINT point) const;
   HWND Focus() const;
   bool IsChecked() const;
 

@@ -29,12 +29,6 @@ class Code {
   Code& Push(DWORD number) { return Bytes({0x68}).Number(number); }
   Code& Call(DWORD address) { return Bytes({0xB8}).Number(address).Bytes({0xFF, 0xD0}); }
   Code& JumpTo(DWORD address) { return Bytes({0xB8}).Number(address).Bytes({0xFF, 0xE0}); }
-  Code& StoreStackPointer(DWORD address) { return Bytes({0x89, 0x25}).Number(address); }
-  Code& SetLastError(DWORD error) { return Bytes({0x64, 0xC7, 0x05}).Number(0x34).Number(error); }
-  Code& ReturnZero(int arguments) {
-    const int size = arguments * 4;
-    return Bytes({0x31, 0xC0, 0xC2, size & 0xFF, size >> 8});
-  }
 
   DWORD PlaceIn(const LoadedProcess& process) const {
     const DWORD address = process.Allocate(kCodeSize);
@@ -180,9 +174,7 @@ void HeldCall::Install(const LoadedProcess& process) {
                   DUPLICATE_SAME_ACCESS);
   slot_ = process.ImportSlot(function_);
   original_ = process.Read(slot_);
-  stack_pointer_ = process.Allocate(sizeof(DWORD));
   const DWORD code = Code()
-                         .StoreStackPointer(stack_pointer_)
                          .Push(process.GiveHandle(reached_))
                          .Call(process.KernelFunction("SetEvent"))
                          .Push(INFINITE)
@@ -197,29 +189,11 @@ bool HeldCall::WaitUntilReached() const {
   return WaitForSingleObject(reached_, kPatienceMilliseconds) == WAIT_OBJECT_0;
 }
 
-// The return address lies on top of the stack, the arguments above it.
-DWORD HeldCall::Argument(int n) const {
-  const DWORD top = ReadRecord<DWORD>(process_, stack_pointer_);
-  return ReadRecord<DWORD>(process_, top + sizeof(DWORD) * (n + 1));
-}
-
-void HeldCall::LetThisCallGo() const {
-  SetEvent(go_);
-}
-
 void HeldCall::LetAllGo() const {
   SIZE_T written = 0;
   WriteProcessMemory(process_, reinterpret_cast<void*>(slot_), &original_, sizeof(original_),
                      &written);
   SetEvent(go_);
-}
-
-FailedCall::FailedCall(std::string function, int arguments, DWORD error)
-    : function_(std::move(function)), arguments_(arguments), error_(error) {}
-
-void FailedCall::Install(const LoadedProcess& process) {
-  const DWORD code = Code().SetLastError(error_).ReturnZero(arguments_).PlaceIn(process);
-  process.Write(process.ImportSlot(function_), code);
 }
 
 }  // namespace drive

@@ -62,9 +62,6 @@ class HeldCall : public Interception {
 
   // True when a call has come and waits.
   bool WaitUntilReached() const;
-  // The n-th argument of the call that waits, counted from 0.
-  DWORD Argument(int n) const;
-  void LetThisCallGo() const;
   // This call and all that follow.
   void LetAllGo() const;
 
@@ -75,19 +72,6 @@ class HeldCall : public Interception {
   HANDLE process_ = nullptr;
   DWORD slot_ = 0;
   DWORD original_ = 0;
-  DWORD stack_pointer_ = 0;  // where the stack pointer of the waiting call is kept
-};
-
-// Every call of the function returns 0 and the error, without reaching the system.
-class FailedCall : public Interception {
- public:
-  FailedCall(std::string function, int arguments, DWORD error);
-  void Install(const LoadedProcess& process) override;
-
- private:
-  std::string function_;
-  int arguments_;
-  DWORD error_;
 };
 
 }  // namespace drive

@@ -14,7 +14,6 @@ namespace {
 
 constexpr char kQuestion[] =
     "System information report has not yet created!\nDo you want abort program?";
-constexpr char kXp[] = "Microsoft Windows XP Professional version 5.1.2600 Service Pack 3";
 
 // A run that stays in the item of the computer name until it is let go.
 class HeldRun {
@@ -127,25 +126,17 @@ void TryToLeave(Program& program, Way way) {
   }
 }
 
-void ExpectQuestionAndGoOnAfterNo(Way way) {
+class EveryWay : public testing::TestWithParam<Way> {};
+
+TEST_P(EveryWay, AsksAndGoesOnAfterNo) {
   HeldRun run(ProfileWith(""));
   ASSERT_TRUE(run.WaitUntilHeld());
-  TryToLeave(*run.program, way);
+  TryToLeave(*run.program, GetParam());
   const auto box = run.program->WaitForMessageBox();
   ExpectQuestion(box, run.program->dialog());
   ASSERT_TRUE(Answer(*box, IDNO));
   EXPECT_TRUE(run.IsOnScreen());
   ExpectRunGoesOn(run);
-}
-
-class EveryWay : public testing::TestWithParam<Way> {};
-
-TEST_P(EveryWay, AsksAndGoesOnAfterNo) {
-  ExpectQuestionAndGoOnAfterNo(GetParam());
-}
-
-TEST_P(RunningOnEveryRelease, AsksAndGoesOnAfterNo) {
-  ExpectQuestionAndGoOnAfterNo(Way::kEscape);
 }
 
 TEST_P(EveryWay, ClosesAtOnceWhenTheRunIsOver) {
@@ -174,81 +165,32 @@ TEST(RunningDialog, QuestionAnsweredAfterTheEnd) {
   EXPECT_EQ(run.program->WaitForExit(), 0u);
 }
 
-TEST_P(RunningOnEveryRelease, AbortedRunLeavesTheReportAsFarAsWritten) {
-  HeldRun run("[SYSTEM]\r\nComputerName=1\r\nUserName=1\r\n");
-  const Clock clock;
-  ASSERT_TRUE(run.WaitUntilHeld());
-  TypeKey(run.program->dialog(), VK_ESCAPE);
-  const auto box = run.program->WaitForMessageBox();
-  ExpectQuestion(box, run.program->dialog());
-  ClickMiddle(GetDlgItem(box->window, IDYES));
-  EXPECT_EQ(run.program->WaitForExit(), 0u);
-  const std::string report = run.folder.Read("hscope.txt").value_or("");
-  const size_t header = report.find("\r\n");
-  ASSERT_NE(header, std::string::npos);
-  EXPECT_TRUE(clock.IsHeader(report.substr(0, header)));
-  EXPECT_EQ(report.substr(header + 2), Joined(SystemBanner()) + Padded("Computer name", 27));
+// Left, or ended as power fails or the task list ends it: the label of the item is in the report.
+TEST_P(RunningOnEveryRelease, ReportStaysAsFarAsWritten) {
+  for (const bool killed : {false, true}) {
+    SCOPED_TRACE(killed);
+    HeldRun run("[SYSTEM]\r\nComputerName=1\r\nUserName=1\r\n");
+    const Clock clock;
+    ASSERT_TRUE(run.WaitUntilHeld());
+    if (killed) {
+      run.program->Kill();
+    } else {
+      TypeKey(run.program->dialog(), VK_ESCAPE);
+      const auto box = run.program->WaitForMessageBox();
+      ExpectQuestion(box, run.program->dialog());
+      ClickMiddle(GetDlgItem(box->window, IDYES));
+      EXPECT_EQ(run.program->WaitForExit(), 0u);
+    }
+    const std::string report = run.folder.Read("hscope.txt").value_or("");
+    const size_t header = report.find("\r\n");
+    ASSERT_NE(header, std::string::npos);
+    EXPECT_TRUE(clock.IsHeader(report.substr(0, header)));
+    EXPECT_EQ(report.substr(header + 2), Joined(SystemBanner()) + Padded("Computer name", 27));
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Running, RunningOnEveryRelease, testing::ValuesIn(kReleases),
                          testing::PrintToStringParamName());
-
-TEST(RunningDialog, QuestionHasTheWarningSign) {
-  Folder folder;
-  folder.Write("test.ini", ProfileWith(""));
-  HeldCall run("GetComputerNameA");
-  HeldCall question("MessageBoxA");
-  Program program(folder, {.arguments = {"test.ini"}, .interceptions = {&run, &question}});
-  ASSERT_TRUE(run.WaitUntilReached());
-  ASSERT_TRUE(program.WaitForDialog());
-  TypeKey(program.dialog(), VK_ESCAPE);
-  ASSERT_TRUE(question.WaitUntilReached());
-  EXPECT_EQ(question.Argument(3), DWORD{MB_YESNO | MB_ICONEXCLAMATION});
-}
-
-// Power fails, or the task list ends the program: what was written is there, the label of the item
-// that it was in included.
-TEST(KilledRun, LeavesEverythingUpToTheItemItWasIn) {
-  struct Row {
-    int item;
-    const char* call;  // made in this item, and perhaps elsewhere before
-  };
-  const Row rows[] = {
-      {0, "GetVersionExA"},       {1, "GetTickCount"},   {2, "GetComputerNameA"},
-      {3, "LookupAccountSidA"},   {4, "GetLocaleInfoA"}, {5, "GetWindowsDirectoryA"},
-      {6, "GetSystemDirectoryA"}, {7, "GetTempPathA"},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.call);
-    const Release release("winxp");
-    const Folder folder;
-    folder.Write("test.ini", ProfileWith(""));
-    HeldCall call(row.call);
-    Program program(folder, {.arguments = {"test.ini"}, .interceptions = {&call}});
-    const std::string progress = kSystemItems[row.item].progress;
-    const auto in_the_item = [&] {
-      const auto lines = program.Lines();
-      return !lines.empty() && lines.back() == progress;
-    };
-    ASSERT_TRUE(call.WaitUntilReached());
-    while (!program.WaitForDialog() || !in_the_item()) {
-      call.LetThisCallGo();
-      ASSERT_TRUE(call.WaitUntilReached());
-    }
-    program.Kill();
-    const std::string report = folder.Read("hscope.txt").value_or("");
-    const auto values = SystemValues(kXp, true);
-    std::string expected = Joined(SystemBanner());
-    for (int n = 0; n < row.item; ++n)
-      expected += Padded(kSystemItems[n].label, 27) + values[n] + "\r\n";
-    expected += Padded(kSystemItems[row.item].label, 27);
-    std::string written = report.substr(std::min(report.find("\r\n") + 2, report.size()));
-    const std::string working_time = Padded(kSystemItems[kWorkingTimeItem].label, 27);
-    const size_t value = written.find(working_time) + working_time.size();
-    if (row.item > kWorkingTimeItem) written.erase(value, written.find('\r', value) - value);
-    EXPECT_EQ(written, expected);
-  }
-}
 
 }  // namespace
 }  // namespace drive

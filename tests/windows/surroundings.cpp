@@ -192,19 +192,4 @@ std::string OwnProgram() {
   return path;
 }
 
-std::string OwnProgramFolder() {
-  const std::string path = OwnProgram();
-  return path.substr(0, path.rfind('\\'));
-}
-
-EnvironmentVariable::EnvironmentVariable(const std::string& name, const std::string& value)
-    : name_(name) {
-  if (GetEnvironmentVariableA(name.c_str(), nullptr, 0) != 0) old_value_ = EnvironmentText(name);
-  SetEnvironmentVariableA(name.c_str(), value.c_str());
-}
-
-EnvironmentVariable::~EnvironmentVariable() {
-  SetEnvironmentVariableA(name_.c_str(), old_value_ ? old_value_->c_str() : nullptr);
-}
-
 }  // namespace drive

@@ -96,18 +96,5 @@ class MailInWinIni {
 
 // The path of the test program.
 std::string OwnProgram();
-std::string OwnProgramFolder();
-
-class EnvironmentVariable {
- public:
-  EnvironmentVariable(const std::string& name, const std::string& value);
-  ~EnvironmentVariable();
-  EnvironmentVariable(const EnvironmentVariable&) = delete;
-  EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
-
- private:
-  std::string name_;
-  std::optional<std::string> old_value_;
-};
 
 }  // namespace drive

@@ -62,26 +62,6 @@ TEST(Faults, CountFromManyThreads) {
   EXPECT_EQ(failed, 1);
 }
 
-TEST(Faults, CallsOfTheCurrentMachine) {
-  Machine outer;
-  Machine inner;
-  const UseMachine use_outer(outer);
-  {
-    const UseMachine use_inner(inner);
-    inner.faults.FailAlways("CreateFileA", 32);
-    SetLastError(0);
-    EXPECT_TRUE(CallFails("CreateFileA"));
-    EXPECT_EQ(GetLastError(), 32u);
-    EXPECT_EQ(CallError("CreateFileA"), 32u);
-  }
-  SetLastError(7);
-  EXPECT_FALSE(CallFails("CreateFileA"));
-  EXPECT_EQ(GetLastError(), 7u);
-  EXPECT_EQ(CallError("CreateFileA"), 0u);
-  EXPECT_EQ(inner.faults.CallCount("CreateFileA"), 2u);
-  EXPECT_EQ(outer.faults.CallCount("CreateFileA"), 2u);
-}
-
 TEST(FaultsDeathTest, MisuseEndsTheProcess) {
   Faults faults;
   EXPECT_DEATH(faults.FailNth("CreateFile", 1, 5), "\"CreateFile\" is none of its functions");

@@ -115,18 +115,6 @@ TEST_F(FileSystemTest, Locate) {
   }
 }
 
-TEST_F(FileSystemTest, CurrentFolderIsAFullPath) {
-  EXPECT_EQ("C:\\", machine_.files.CurrentFolder());
-  EXPECT_EQ(0u, machine_.files.SetCurrentFolder("windows\\SYSTEM\\"));
-  EXPECT_EQ(0u, machine_.files.SetCurrentFolder("C:"));
-  EXPECT_EQ("C:\\windows\\SYSTEM", machine_.files.CurrentFolder());
-  EXPECT_EQ(0u, machine_.files.SetCurrentFolder(own_ + "\\profiles"));
-  EXPECT_EQ(own_ + "/profiles", machine_.files.CurrentFolder());
-  EXPECT_EQ(ERROR_DIRECTORY, machine_.files.SetCurrentFolder("Short.ini"));
-  EXPECT_EQ(ERROR_FILE_NOT_FOUND, machine_.files.SetCurrentFolder("absent"));
-  EXPECT_EQ(own_ + "/profiles", machine_.files.CurrentFolder());
-}
-
 TEST_F(FileSystemTest, TheNameAsWrittenComesBeforeAnotherCase) {
   Write("own/FULL.INI", "capitals");
   std::string content;
@@ -235,31 +223,6 @@ TEST_F(FileSystemTest, APipeOnADriveIsRefused) {
   EXPECT_EQ(ERROR_ACCESS_DENIED, GetLastError());
 }
 
-TEST_F(FileSystemTest, WrittenTextIsInTheFileAtOnce) {
-  const std::string path = own_ + "\\report.txt";
-  const HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                                  CREATE_ALWAYS, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
-  ASSERT_NE(INVALID_HANDLE_VALUE, file);
-  EXPECT_EQ((std::map<std::string, int>{{"file", 1}}), machine_.handles.OpenObjects());
-  DWORD written = 0;
-  EXPECT_TRUE(WriteFile(file, "line\r\n", 6, &written, nullptr));
-  EXPECT_EQ("line\r\n", Read("own/report.txt"));
-  EXPECT_TRUE(CloseHandle(file));
-  EXPECT_TRUE(machine_.handles.OpenObjects().empty());
-}
-
-TEST_F(FileSystemTest, AFileHeldAloneHidesItsProfile) {
-  Write("own/full.ini", "[S]\nk=7\n");
-  const std::string path = own_ + "\\full.ini";
-  EXPECT_EQ(7u, GetPrivateProfileIntA("S", "k", 1, path.c_str()));
-  const HANDLE file =
-      CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-  EXPECT_EQ(1u, GetPrivateProfileIntA("S", "k", 1, path.c_str()));
-  EXPECT_EQ(ERROR_SHARING_VIOLATION, GetLastError());
-  CloseHandle(file);
-  EXPECT_EQ(7u, GetPrivateProfileIntA("S", "k", 1, path.c_str()));
-}
-
 // Files come sorted by name without regard to case; "." and ".." come first, but not at the root.
 TEST_F(FileSystemTest, FindInOrder) {
   for (const char* name : {"c/WINDOWS/b.INI", "c/WINDOWS/A.ini", "c/WINDOWS/C.ini"})
@@ -269,41 +232,6 @@ TEST_F(FileSystemTest, FindInOrder) {
   EXPECT_EQ("autoexec.bat Program Files WINDOWS", Find("C:\\*"));
   EXPECT_EQ("WINDOWS", Find("C:\\windows"));
   EXPECT_EQ("win.ini", Find("C:\\windows\\WIN.ini"));
-}
-
-// What NT does with "?" before a dot, with a final dot and with a final ".*"; Wine does otherwise.
-TEST_F(FileSystemTest, OldRulesOfPatterns) {
-  fs::create_directory(folder_ / "own/p");
-  for (const char* name : {"a", "ab", "a.b", "ab.c", "a.b.c", "a.bcd"})
-    Write(std::string("own/p/") + name, "");
-  static constexpr struct {
-    const char* pattern;
-    const char* expected;
-  } kRows[] = {
-      {"*.", "a ab"},
-      {"a.*", "a a.b a.b.c a.bcd"},
-      {"a?", "a ab"},
-      {"a?.*", "a a.b a.b.c a.bcd ab ab.c"},
-      {"a.b?", "a.b"},
-      {"a.b???", "a.b a.bcd"},
-      {"*.b", "a.b"},
-      {"*.c", "a.b.c ab.c"},
-      {"*b*", "a.b a.b.c a.bcd ab ab.c"},
-      {"?", "a"},
-      {"*.*.c", "a.b.c"},
-  };
-  for (const auto& row : kRows)
-    EXPECT_EQ(row.expected, Find(own_ + "\\p\\" + row.pattern)) << row.pattern;
-}
-
-TEST_F(FileSystemTest, Attributes) {
-  chmod((folder_ / "c/autoexec.bat").c_str(), 0444);
-  EXPECT_EQ(FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY,
-            GetFileAttributesA("C:\\autoexec.bat"));
-  EXPECT_EQ(FILE_ATTRIBUTE_ARCHIVE, GetFileAttributesA("C:\\WINDOWS\\win.ini"));
-  EXPECT_EQ(FILE_ATTRIBUTE_DIRECTORY, GetFileAttributesA("C:\\"));
-  EXPECT_EQ(INVALID_FILE_ATTRIBUTES, GetFileAttributesA("D:\\"));
-  EXPECT_EQ(ERROR_PATH_NOT_FOUND, GetLastError());
 }
 
 // A handle of another kind is not CloseHandle's to close.

@@ -26,7 +26,9 @@ std::string State(const std::string& ini, Machine& machine) {
   return error ? std::to_string(error->line) + ": " + error->reason : "";
 }
 
-TEST(MachineFacts, EveryFactArrives) {
+// What the reports of the sample machines do not show: the largest numbers, forms of numbers and
+// times, letters beyond ASCII, blanks, and what a machine has instead of a thing.
+TEST(MachineFacts, FormsOfFacts) {
   Machine machine;
   ASSERT_EQ(State(R"([Version]
 Major=4
@@ -34,7 +36,6 @@ Minor=10
 Build=0x040A08AE
 Platform=1
 ServicePackText=" A "
-ProductType=2
 ServicePackMajor=3
 ServicePackMinor=4
 SuiteMask=0xFFFF
@@ -45,53 +46,31 @@ TickCount=4294967295
 [Computer]
 Name=KÜCHE
 [User]
-Name=karin
-Account=Karin
 Domain=OFFICE
 Imitated=LAB\bert
-Sid=S-1-5-21-1-2-3-500
-RegistryKey=karin
-[Locale]
-Language=Deutsch (Österreich)
-EnglishLanguage=German
-[Folders]
-Windows=C:\WINDOWS
-System=C:\WINDOWS\SYSTEM
-Temp=C:\WINDOWS\TEMP\
 [SpecialFolders]
-5=C:\Eigene Dateien
 0x10=C:\WINDOWS\Desktop
 [Environment]
 ProgramFiles=C:\Programme
 [Processor]
-Count=2
-Age=80486
 CounterFrequency=18446744073709551615
 [ProcessorLeaves]
 0x80000001=1 0x2  3 0xFFFFFFFF
 [Memory]
 Total=4096 MB
 Available=4294967297
-Load=42
 [SwapFile]
-Path=C:\WIN386.SWP
 Pages=4294967296
 [FreeResources]
 GDI=78
 [Screen]
-Width=640
-Height=480
 BitsPerPixel=4
 )",
                   machine),
             "");
   const WindowsVersion& version = machine.version;
-  EXPECT_EQ(version.major, 4u);
-  EXPECT_EQ(version.minor, 10u);
   EXPECT_EQ(version.build, 0x040A08AEu);
-  EXPECT_EQ(version.platform_id, 1u);
   EXPECT_EQ(version.service_pack_text, " A ");
-  EXPECT_EQ(version.product_type, 2);
   EXPECT_EQ(version.service_pack_major, 3);
   EXPECT_EQ(version.service_pack_minor, 4);
   EXPECT_EQ(version.suite_mask, 0xFFFF);
@@ -102,38 +81,20 @@ BitsPerPixel=4
   EXPECT_TRUE(std::ranges::equal(parts, std::array{1999, 12, 31, 23, 58, 57, 6, 5}));
   EXPECT_EQ(machine.tick_count, 0xFFFFFFFFu);
   EXPECT_EQ(machine.computer_name, "K\xDC"s + "CHE");
-  EXPECT_EQ(machine.user.name, "karin");
-  EXPECT_EQ(machine.user.account, "Karin");
   EXPECT_EQ(machine.user.domain, "OFFICE");
   EXPECT_EQ(machine.user.imitated, "LAB\\bert");
-  EXPECT_EQ(machine.user.sid, "S-1-5-21-1-2-3-500");
-  EXPECT_EQ(machine.locale.language, "Deutsch (\xD6sterreich)");
-  EXPECT_EQ(machine.locale.english_language, "German");
-  EXPECT_EQ(machine.windows_folder, "C:\\WINDOWS");
-  EXPECT_EQ(machine.system_folder, "C:\\WINDOWS\\SYSTEM");
-  EXPECT_EQ(machine.temp_folder, "C:\\WINDOWS\\TEMP\\");
-  EXPECT_EQ(machine.special_folders,
-            (std::map<int, std::string>{{5, "C:\\Eigene Dateien"}, {16, "C:\\WINDOWS\\Desktop"}}));
+  EXPECT_EQ(machine.special_folders, (std::map<int, std::string>{{16, "C:\\WINDOWS\\Desktop"}}));
   EXPECT_EQ(machine.environment["PROGRAMFILES"], "C:\\Programme");
   const Hardware& hardware = machine.hardware;
-  EXPECT_EQ(hardware.processor.count, 2u);
-  EXPECT_EQ(hardware.processor.age, hostscope::ProcessorAge::k80486);
   EXPECT_EQ(hardware.processor.counter_frequency, 0xFFFFFFFFFFFFFFFF);
   const hostscope::ProcessorLeaf& leaf = hardware.processor.leaves.at(0x80000001);
   EXPECT_EQ((std::array{leaf.eax, leaf.ebx, leaf.ecx, leaf.edx}),
             (std::array{1u, 2u, 3u, 0xFFFFFFFFu}));
   EXPECT_EQ(hardware.memory.total, 0x100000000u);
   EXPECT_EQ(hardware.memory.available, 0x100000001u);
-  EXPECT_EQ(hardware.memory.load, 42u);
-  EXPECT_EQ(hardware.swap_file->path, "C:\\WIN386.SWP");
   EXPECT_EQ(hardware.swap_file->pages, 0x100000000u);
   EXPECT_EQ(hardware.free_resources, (std::array<DWORD, 3>{0, 78, 0}));
-  EXPECT_NE(machine.libraries.Load("RSRC32.DLL", ""), nullptr);
-  EXPECT_EQ(machine.desktop.screen_size.cx, 640);
-  EXPECT_EQ(machine.desktop.screen_size.cy, 480);
   EXPECT_EQ(machine.desktop.bits_per_pixel, 4);
-  machine.registry.MakeKey("HKCU\\x");
-  EXPECT_EQ(machine.registry.Root(Hive::kUsers)->subkeys.At(0, false)->name, "karin");
 }
 
 TEST(MachineFacts, DisplayDirectXAndJoysticks) {

@@ -2,10 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-
-#include "platform/host/advapi32.h"
-#include "platform/host/kernel32.h"
 #include "tests/support/test_folder.h"
 
 namespace host {
@@ -49,18 +45,6 @@ TEST_F(MachineFolder, TheCurrentUserIsKnownBeforeTheRegistry) {
   EXPECT_NE(Registry::FindBelow(machine_->registry.Root(Hive::kCurrentUser), "K"), nullptr);
 }
 
-TEST_F(MachineFolder, Drives) {
-  Write("drives/C/FILE.TXT", "on c");
-  Write("drives/d/file.txt", "on d");
-  Write("drives/.keep", "");
-  ASSERT_EQ(Load(), "");
-  std::string content;
-  EXPECT_EQ(machine_->files.ReadWhole("C:\\file.txt", content), 0u);
-  EXPECT_EQ(content, "on c");
-  EXPECT_EQ(machine_->files.ReadWhole("D:\\file.txt", content), 0u);
-  EXPECT_EQ(content, "on d");
-}
-
 TEST_F(MachineFolder, WhatIsNoPartOfIt) {
   Write("README.md", "");
   Write("notes.txt", "");
@@ -101,46 +85,6 @@ TEST_F(MachineFolder, Errors) {
   EXPECT_EQ(Load(), "machine.ini: it cannot be read");
   fs::remove_all(folder_);
   EXPECT_EQ(Load(), folder_.string() + ": the machine folder cannot be read");
-}
-
-// The samples load, and answer what their users would know of them.
-TEST(SampleMachines, AnswerThroughTheLayer) {
-  const struct {
-    const char* name;
-    DWORD platform_id;
-    const char* user;
-    const char* key;
-    const char* value;
-    std::string data;
-  } rows[] = {
-      {"win98se", 1, "Karin", "Enum\\Root\\*PNP0C01\\0000", "BIOSVersion", "4.51 PG\0"s},
-      {"nt40", 2, "hwilson", "SYSTEM\\CurrentControlSet\\Control\\Windows", "CSDVersion",
-       "\0\6\0\0"s},
-      {"winxp", 2, "Ren\351e", "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion", "CurrentVersion",
-       "5.1\0"s},
-  };
-  for (const auto& row : rows) {
-    Machine machine;
-    const auto error =
-        LoadMachine(fs::path(HOSTSCOPE_SOURCE_FOLDER "/machines") / row.name, machine);
-    ASSERT_EQ(error, std::nullopt) << error->Text();
-    const UseMachine use(machine);
-    char user[UNLEN + 1] = "";
-    DWORD size = sizeof(user);
-    EXPECT_EQ(machine.version.platform_id, row.platform_id) << row.name;
-    EXPECT_TRUE(GetUserNameA(user, &size)) << row.name;
-    EXPECT_STREQ(user, row.user) << row.name;
-    HKEY key = nullptr;
-    ASSERT_EQ(RegOpenKeyExA(HKEY_LOCAL_MACHINE, row.key, 0, KEY_QUERY_VALUE, &key), 0) << row.name;
-    BYTE data[64];
-    size = sizeof(data);
-    EXPECT_EQ(RegQueryValueExA(key, row.value, nullptr, nullptr, data, &size), 0) << row.name;
-    EXPECT_EQ(std::string(reinterpret_cast<char*>(data), size), row.data) << row.name;
-    EXPECT_EQ(RegCloseKey(key), 0);
-    const std::string win_ini = machine.windows_folder + "\\WIN.INI";
-    EXPECT_NE(GetFileAttributesA(win_ini.c_str()), INVALID_FILE_ATTRIBUTES) << row.name;
-    EXPECT_NE(GetFileAttributesA(machine.temp_folder.c_str()), INVALID_FILE_ATTRIBUTES) << row.name;
-  }
 }
 
 }  // namespace

@@ -187,33 +187,6 @@ TEST(Process, NoCallFailsWhileTheProgramIsUnwound) {
   EXPECT_TRUE(written);
 }
 
-TEST(Process, WaitingForAThread) {
-  Machine machine;
-  std::atomic<bool> may_end = false;
-  std::function<DWORD()> routine = [&] {
-    while (!may_end)
-      std::this_thread::yield();
-    return 42;
-  };
-  RunProcess(machine, [&] {
-    const HANDLE thread = Start(routine);
-    DWORD code = 0;
-    EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(thread, 0));
-    EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(thread, 5));
-    EXPECT_TRUE(GetExitCodeThread(thread, &code));
-    EXPECT_EQ(STILL_ACTIVE, code);
-    may_end = true;
-    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(thread, INFINITE));
-    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(thread, 0));
-    EXPECT_TRUE(GetExitCodeThread(thread, &code));
-    EXPECT_EQ(42u, code);
-    EXPECT_EQ((Open{{"thread", 1}}), CurrentMachine().handles.OpenObjects());
-    EXPECT_TRUE(CloseHandle(thread));
-    EXPECT_EQ(WAIT_FAILED, WaitForSingleObject(thread, 0));
-    EXPECT_EQ(ERROR_INVALID_HANDLE, GetLastError());
-  });
-}
-
 TEST(Process, AThreadOutlivesItsHandle) {
   Machine machine;
   std::atomic<int> steps = 0;
@@ -224,40 +197,6 @@ TEST(Process, AThreadOutlivesItsHandle) {
   };
   RunProcess(machine, [&] { CloseHandle(Start(routine)); });
   EXPECT_EQ(3, steps);
-}
-
-TEST(Process, ThreadIdentifiersDiffer) {
-  Machine machine;
-  DWORD id = 0;
-  std::atomic<DWORD> own_id = 0;
-  std::function<DWORD()> routine = [&] { return own_id = GetCurrentThreadId(); };
-  RunProcess(machine, [&] {
-    CloseHandle(CreateThread(
-        nullptr, 0,
-        [](LPVOID parameter) { return (*static_cast<std::function<DWORD()>*>(parameter))(); },
-        &routine, 0, &id));
-    EXPECT_NE(id, GetCurrentThreadId());
-    EXPECT_EQ(GetCurrentThreadId(), GetCurrentThreadId());
-  });
-  EXPECT_EQ(id, own_id);
-}
-
-TEST(Process, LastErrorIsTheThreadsOwn) {
-  Machine machine;
-  std::atomic<DWORD> seen = 99;
-  std::function<DWORD()> routine = [&] {
-    seen = GetLastError();
-    SetLastError(2);
-    return 0;
-  };
-  RunProcess(machine, [&] {
-    SetLastError(5);
-    const HANDLE thread = Start(routine);
-    WaitForSingleObject(thread, INFINITE);
-    EXPECT_EQ(5u, GetLastError());
-    CloseHandle(thread);
-  });
-  EXPECT_EQ(0u, seen);
 }
 
 [[noreturn]] void PrintAndExit(const std::string& output) {

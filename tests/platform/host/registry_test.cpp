@@ -30,34 +30,6 @@ TEST(Registry, NamesAreFoundInAnyCaseAndKept) {
   EXPECT_EQ(Find(registry, Hive::kLocalMachine, "Software\\\xE4hn"), nullptr);
 }
 
-TEST(Registry, ValuesHoldTheBytesOfTheirType) {
-  Registry registry;
-  registry.SetText("HKCU\\K", "text", "abc");
-  registry.SetExpandText("HKCU\\K", "expand", "%a%");
-  registry.SetMultiText("HKCU\\K", "multi", {"a", "bc"});
-  registry.SetMultiText("HKCU\\K", "none", {});
-  registry.SetDword("HKCU\\K", "number", 0x01020384);
-  registry.SetValue("HKCU\\K", "raw", 0x80000005, "\0\xFF"s);
-  const struct {
-    std::string name;
-    DWORD type;
-    std::string data;
-  } rows[] = {
-      {"text", 1, "abc\0"s}, {"expand", 2, "%a%\0"s},     {"multi", 7, "a\0bc\0\0"s},
-      {"none", 7, "\0"s},    {"number", 4, "\x84\3\2\1"}, {"raw", 0x80000005, "\0\xFF"s},
-  };
-  const auto key = Find(registry, Hive::kCurrentUser, "K");
-  for (const auto& row : rows) {
-    const RegistryValue* value = key->values.Find(row.name);
-    ASSERT_NE(value, nullptr) << row.name;
-    EXPECT_EQ(value->type, row.type) << row.name;
-    EXPECT_EQ(value->data, row.data) << row.name;
-  }
-  registry.SetDword("HKCU\\K", "TEXT", 1);
-  EXPECT_EQ(key->values.At(0, false)->type, 4u) << "a new content keeps the value's place";
-  EXPECT_EQ(key->values.size(), std::size(rows));
-}
-
 TEST(Registry, SomeHivesAreViewsOnOthers) {
   Registry registry;
   registry.SetCurrentUser("S-1-5-21-1");
@@ -66,14 +38,6 @@ TEST(Registry, SomeHivesAreViewsOnOthers) {
   EXPECT_NE(Find(registry, Hive::kLocalMachine, "Software\\Classes\\.TXT"), nullptr);
   EXPECT_NE(Find(registry, Hive::kUsers, "S-1-5-21-1\\Software"), nullptr);
   EXPECT_EQ(Find(registry, Hive::kUsers, ".DEFAULT"), nullptr);
-}
-
-TEST(Registry, LookingChangesNothing) {
-  Registry registry;
-  EXPECT_EQ(Find(registry, Hive::kClassesRoot, ".txt"), nullptr);
-  EXPECT_EQ(registry.Root(Hive::kLocalMachine)->subkeys.size(), 0u);
-  EXPECT_FALSE(registry.RemoveKey("HKCU\\nothing"));
-  EXPECT_EQ(registry.Root(Hive::kUsers)->subkeys.size(), 0u);
 }
 
 TEST(Registry, OrderOfSubkeys) {

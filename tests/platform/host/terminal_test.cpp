@@ -189,24 +189,6 @@ TEST(Terminal, AnswersForNobody) {
             "Item... Ok\n\nPress any key...\nKey pressed: there is no terminal to ask at.\n");
 }
 
-TEST(Terminal, AnswersABoxWithItsFirstButton) {
-  Machine machine;
-  const UseMachine use(machine);
-  Pipe output;
-  {
-    const Terminal terminal(machine.desktop,
-                            {.input = 0, .output = output.writing(), .questions = 0});
-    EXPECT_EQ(MessageBoxA(nullptr,
-                          "Gr\xFC\xDF"
-                          "e\r\n\x1b",
-                          "C", MB_YESNO),
-              IDYES);
-  }
-  output.CloseWriting();
-  EXPECT_EQ(output.ReadUntil("to ask at.\n"),
-            "[C]\nGr\u00FC\u00DFe\n?\nAnswered \"Yes\": there is no terminal to ask at.\n");
-}
-
 TEST(Terminal, AsksWhoIsThere) {
   Pipe input;
   Pipe output;
