@@ -7,6 +7,7 @@
 #include "app/report_location.h"
 #include "app/start_notice.h"
 #include "delivery/simple_mapi.h"
+#include "platform/ports.h"
 #include "platform/program.h"
 #include "platform/resources.h"
 #include "platform/win32.h"
@@ -104,6 +105,8 @@ void Run(Program& program) {
 void RunProgram() {
   const std::unique_ptr<Program> program(new (std::nothrow) Program);
   if (program != nullptr) Run(*program);
+  // A worker that is left running must not be ended in the middle of a transfer.
+  EndPortTransfers();
   ExitProcess(0);
 }
 

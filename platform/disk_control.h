@@ -25,8 +25,12 @@ inline constexpr std::uint32_t kIdentifyBlockSize = 512;
 inline constexpr std::uint8_t kIdentifyDevice = 0xEC;
 inline constexpr std::uint8_t kIdentifyPacketDevice = 0xA1;
 
-// In a request: the second of a controller's two drives.
+// What selects a drive: master or slave, the two of each controller.
+inline constexpr std::uint8_t kMasterDrive = 0xA0;
 inline constexpr std::uint8_t kSlaveBit = 0x10;
+constexpr std::uint8_t DriveHeadOf(unsigned drive) {
+  return drive % 2 == 0 ? kMasterDrive : kMasterDrive | kSlaveBit;
+}
 
 struct [[gnu::packed]] IdentifyRequest {
   std::uint32_t buffer_size;

@@ -13,4 +13,9 @@ bool ReadPortByte(std::uint16_t port, std::uint8_t& value);
 bool ReadPortWord(std::uint16_t port, std::uint16_t& value);
 bool WritePortByte(std::uint16_t port, std::uint8_t value);
 
+// For any thread, before the process ends: no transfer begins any more on Windows 95/98/Me, and the
+// one under way is over, so that no gate outlives the process. Waits some seconds at most.
+// Elsewhere a transfer leaves nothing behind, and this does nothing.
+void EndPortTransfers();
+
 }  // namespace hostscope

@@ -1,7 +1,8 @@
-// Private profiles: reading INI files.
+// Profiles: reading INI files, private ones and win.ini. On NT the entries of one section of win.ini
+// are in the registry.
 //
-// Every call reads the file anew, so that it shows what is in it now. Windows 95/98/Me see only the
-// first 32767 bytes of a section; lines that begin beyond are not there for them.
+// Every call reads anew, so that it shows what is there now. Windows 95/98/Me see only the first
+// 32767 bytes of a section of a file; lines that begin beyond are not there for them.
 #include <algorithm>
 #include <cctype>
 #include <cstdint>

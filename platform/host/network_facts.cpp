@@ -27,7 +27,7 @@ std::optional<InternetAddress> ParseAddress(string_view text) {
 
 // The key is the host's name; "10.0.0.1, 10.0.1.1 also alias, alias".
 std::string ReadHost(Machine& machine, string_view key, string_view value) {
-  constexpr string_view kAlso = " also ";
+  constexpr string_view kAlso = "also ";
   NetworkHost host{std::string(key), {}, {}};
   string_view aliases;
   if (const std::size_t also = value.find(kAlso); also != string_view::npos) {

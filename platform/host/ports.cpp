@@ -115,4 +115,6 @@ bool WritePortByte(std::uint16_t port, std::uint8_t value) {
   return true;
 }
 
+void EndPortTransfers() {}
+
 }  // namespace hostscope

@@ -71,9 +71,8 @@ std::vector<Printer> ListedPrinters(const Machine& machine) {
 
 }  // namespace
 
-BOOL WINAPI OpenPrinterA(LPSTR name, HANDLE* printer, PRINTER_DEFAULTSA* defaults) {
+BOOL WINAPI OpenPrinterA(LPSTR name, HANDLE* printer, PRINTER_DEFAULTSA*) {
   if (EndableCallFails("OpenPrinterA")) return FALSE;
-  if (printer == nullptr || defaults != nullptr) return Failed(ERROR_INVALID_PARAMETER);
   Machine& machine = CurrentMachine();
   const auto& installed = machine.printers.installed;
   const auto found = std::find_if(installed.begin(), installed.end(), [name](const Printer& one) {

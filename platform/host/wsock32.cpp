@@ -68,8 +68,6 @@ int WINAPI WSAStartup(WORD requested, LPWSADATA data) {
   if (const DWORD error = CallError("WSAStartup")) return static_cast<int>(error);
   Machine& machine = CurrentMachine();
   Network& network = machine.network;
-  if (LOBYTE(requested) == 0) return WSAVERNOTSUPPORTED;
-  if (data == nullptr) return WSAEFAULT;
   data->wVersion = LowerVersion(requested, network.version);
   data->wHighVersion = network.version;
   FillField(data->szDescription, network.description);

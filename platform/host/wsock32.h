@@ -37,7 +37,6 @@ inline constexpr int AF_INET = 2;
 
 inline constexpr int WSAEFAULT = 10014;
 inline constexpr int WSASYSNOTREADY = 10091;
-inline constexpr int WSAVERNOTSUPPORTED = 10092;
 inline constexpr int WSANOTINITIALISED = 10093;
 inline constexpr int WSAHOST_NOT_FOUND = 11001;
 

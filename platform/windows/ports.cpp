@@ -8,9 +8,15 @@
 // the memory says, and a gate is called only when the processor sees it.
 #include "platform/ports.h"
 
+#include <atomic>
+
 #include "platform/win32.h"
 
 namespace hostscope {
+
+// Not among the unnamed, so that a test can let transfers begin again.
+constinit std::atomic<bool> port_transfers_ended{false};
+
 namespace {
 
 struct Descriptor {
@@ -159,14 +165,20 @@ bool HaveSite() {
 
 // --- The gate ---
 
+// Of a descriptor's low half: the lowest bit of the selector that a gate leads to. The processor
+// gives those two bits the caller's new level, whatever they are. It is set in each of our gates,
+// so that who claims a slot changes nothing of a gate that stands in it.
+constexpr unsigned kClaimBit = 16;
+constexpr std::uint32_t kClaim = 1U << kClaimBit;
+
 // Another program may get the processor between any two instructions and want the same slot: only
-// who turns an empty slot's lowest bit from 0 to 1, in one instruction, has it.
+// who turns the claim of an empty slot from 0 to 1, in one instruction, has it.
 bool ClaimSlot(volatile Descriptor& slot) {
   bool was_set;
-  asm volatile("lock btsl $0, %0" : "+m"(slot.low), "=@ccc"(was_set) : : "memory");
+  asm volatile("lock btsl %2, %0" : "+m"(slot.low), "=@ccc"(was_set) : "i"(kClaimBit) : "memory");
   if (was_set) return false;
-  if (slot.low == 1 && slot.high == 0) return true;
-  asm volatile("lock btrl $0, %0" : "+m"(slot.low) : : "cc", "memory");
+  if (slot.low == kClaim && slot.high == 0) return true;
+  asm volatile("lock btrl %1, %0" : "+m"(slot.low) : "i"(kClaimBit) : "cc", "memory");
   return false;
 }
 
@@ -187,8 +199,9 @@ void ClearGate(volatile Descriptor& slot, const Descriptor& gate) {
 
 // --- The transfers ---
 
-// These run in kernel mode. They touch no segment register and no memory but the stack, and are not
-// interrupted there. The value goes through EAX, the port is in DX. Aligned, they lie in one page.
+// These run in kernel mode. They touch no segment register and no memory but the stack, and the
+// transfer itself is not interrupted. The value goes through EAX, the port is in DX. Aligned, they
+// lie in one page.
 extern "C" {
 void ReadByteInKernel() asm("read_byte_in_kernel");
 void ReadWordInKernel() asm("read_word_in_kernel");
@@ -228,13 +241,13 @@ __attribute__((noinline)) void CallGate(std::uint16_t selector, std::uint16_t po
   asm volatile("lcall *%1" : "+a"(value) : "m"(gate), "d"(port) : "cc", "memory");
 }
 
-bool Transfer(void (*routine)(), std::uint16_t port, std::uint32_t& value) {
-  if (!HaveSite()) return false;
+bool PassGate(void (*routine)(), std::uint16_t port, std::uint32_t& value) {
   const auto address = reinterpret_cast<std::uint32_t>(routine);
-  // Brings the routine's page in, which can't be done any more while it runs in kernel mode.
+  // No page can be brought in while it runs in kernel mode. This brings the routine's in, so that
+  // it is hardly gone again when it is called.
   static_cast<void>(*reinterpret_cast<const volatile std::uint8_t*>(address));
   const Descriptor gate{
-      static_cast<std::uint32_t>(known_site.code_selector) << 16 | (address & 0xFFFF),
+      static_cast<std::uint32_t>(known_site.code_selector) << 16 | kClaim | (address & 0xFFFF),
       (address & 0xFFFF0000) | kGateForPrograms};
   if (!PlaceGate(*known_site.slot, gate)) return false;
   const bool is_live =
@@ -242,6 +255,17 @@ bool Transfer(void (*routine)(), std::uint16_t port, std::uint32_t& value) {
   if (is_live) CallGate(known_site.slot_selector, port, value);
   ClearGate(*known_site.slot, gate);
   return is_live;
+}
+
+constinit std::atomic<bool> transfer_under_way{false};
+
+// Says so first and looks for the end then, while EndPortTransfers does it the other way round: one
+// of the two sees the other.
+bool Transfer(void (*routine)(), std::uint16_t port, std::uint32_t& value) {
+  transfer_under_way.exchange(true);
+  const bool done = !port_transfers_ended.load() && HaveSite() && PassGate(routine, port, value);
+  transfer_under_way.store(false, std::memory_order_release);
+  return done;
 }
 
 }  // namespace
@@ -263,6 +287,15 @@ bool ReadPortWord(std::uint16_t port, std::uint16_t& value) {
 bool WritePortByte(std::uint16_t port, std::uint8_t value) {
   std::uint32_t transferred = value;
   return Transfer(WriteByteInKernel, port, transferred);
+}
+
+void EndPortTransfers() {
+  // Some seconds: a thread that somebody has ended in the middle of a transfer never comes to an
+  // end.
+  constexpr int kMostWaits = 1000;
+  port_transfers_ended.exchange(true);
+  for (int i = 0; i < kMostWaits && transfer_under_way.load(); ++i)
+    Sleep(1);
 }
 
 }  // namespace hostscope

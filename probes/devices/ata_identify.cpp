@@ -4,6 +4,7 @@
 #include <span>
 #include <string_view>
 
+#include "platform/disk_control.h"
 #include "platform/ports.h"
 
 namespace hostscope {
@@ -23,10 +24,6 @@ constexpr std::uint16_t kDataPorts[] = {0x1F0, 0x170, 0x1E8, 0x168};
 constexpr std::uint8_t kError = 0x01;
 constexpr std::uint8_t kReady = 0x40;
 constexpr std::uint8_t kReadyWithData = 0x48;
-
-constexpr std::uint8_t kMaster = 0xA0;
-constexpr std::uint8_t kSlave = 0xB0;
-constexpr std::uint8_t kIdentifyDevice = 0xEC;
 
 // Looks at the status until it shows all the bits wanted, or the error. False when neither comes.
 bool AwaitStatus(std::uint16_t port, std::uint8_t wanted, std::uint8_t& status) {
@@ -83,7 +80,7 @@ bool ReadIdentifyBlock(unsigned drive, IdentifyBlock& block) {
   const std::uint16_t status_port = data + kStatusPort;
   std::uint8_t status = 0;
   if (!AwaitStatus(status_port, kReady, status)) return false;
-  if (!WritePortByte(data + kDriveHeadPort, drive % 2 == 0 ? kMaster : kSlave)) return false;
+  if (!WritePortByte(data + kDriveHeadPort, DriveHeadOf(drive))) return false;
   if (!WritePortByte(data + kCommandPort, kIdentifyDevice)) return false;
   if (!AwaitStatus(status_port, kReadyWithData, status) || (status & kError) != 0) return false;
   for (std::uint16_t& word : block) {

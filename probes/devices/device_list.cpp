@@ -1,7 +1,5 @@
 #include "probes/devices/device_list.h"
 
-#include "probes/devices/device_scanner.h"
-#include "probes/devices/record_list.h"
 #include "util/text.h"
 
 namespace hostscope {
@@ -25,17 +23,6 @@ void WritePort(ReportWriter& report, const DeviceRecord& device) {
   report.WriteFormatted(kTextFieldFormat, "", "Port name", port.port_name);
 }
 
-void WriteDeviceRecords(ReportWriter& report_of_run, const DeviceList& list,
-                        const RecordArray& records) {
-  WriteRecords<DeviceRecord>(
-      report_of_run, list.list_name, records,
-      [&list](ReportWriter& report, char* label, const DeviceRecord& record) {
-        report.WriteDeviceBlock(label, record);
-        if (list.write_further != nullptr) list.write_further(report, record);
-        report.WriteText(kLineEnd);
-      });
-}
-
 }  // namespace
 
 constinit const DeviceList kMediaDevices = {"Media devices", "MEDIA", sizeof(DeviceRecord)};
@@ -52,17 +39,12 @@ constinit const DeviceList kScsiAdapters = {"SCSI", "SCSIAdapter", sizeof(Device
 constinit const DeviceList kUsbControllers = {"USB", "USB", sizeof(DeviceRecord)};
 
 bool WriteDeviceList(ItemRun& run, const DeviceList& list) {
-  RecordArray records;
-  if (!records.Create(list.record_size) ||
-      ScanDeviceClass(run.context, list.class_name, records) < 0) {
-    return WriteFailedList(run.report, list.list_name);
-  }
-  if (records.count() == 0) {
-    WriteEmptyList(run.report, list.list_name);
-  } else {
-    WriteDeviceRecords(run.report, list, records);
-  }
-  return true;
+  return WriteScannedList(run, list.list_name, list.class_name, list.record_size,
+                          [&list](ReportWriter& report, char* label, const DeviceRecord& record) {
+                            report.WriteDeviceBlock(label, record);
+                            if (list.write_further != nullptr) list.write_further(report, record);
+                            report.WriteText(kLineEnd);
+                          });
 }
 
 }  // namespace hostscope

@@ -3,6 +3,8 @@
 
 #include <cstddef>
 
+#include "probes/devices/device_scanner.h"
+#include "probes/devices/record_list.h"
 #include "report/item.h"
 
 namespace hostscope {
@@ -29,7 +31,19 @@ extern const DeviceList kDiskControllers;
 extern const DeviceList kScsiAdapters;
 extern const DeviceList kUsbControllers;
 
-// Writes the list; false, with the list name alone on its line, when the class cannot be examined.
+// Writes the list of what the scan of a class finds, write(report, label, record) for each record;
+// false, with the list name alone on its line, when the class cannot be examined.
+template <typename Write>
+bool WriteScannedList(ItemRun& run, const char* list_name, const char* class_name,
+                      std::size_t record_size, Write write) {
+  RecordArray records;
+  if (!records.Create(record_size) || ScanDeviceClass(run.context, class_name, records) < 0)
+    return WriteFailedList(run.report, list_name);
+  WriteList<DeviceRecord>(run.report, list_name, records, write);
+  return true;
+}
+
+// The same with the lines of the list's devices.
 bool WriteDeviceList(ItemRun& run, const DeviceList& list);
 
 // The same as a function of the section table's.

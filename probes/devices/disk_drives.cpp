@@ -4,8 +4,7 @@
 
 #include "platform/disk_control.h"
 #include "probes/devices/ata_identify.h"
-#include "probes/devices/device_scanner.h"
-#include "probes/devices/record_list.h"
+#include "probes/devices/device_list.h"
 #include "probes/devices/scsi_map.h"
 #include "util/handles.h"
 
@@ -32,7 +31,7 @@ IdentifyRequest RequestFor(unsigned drive, const SmartVersion& version) {
   request.buffer_size = kIdentifyBlockSize;
   request.sector_count = 1;
   request.sector_number = 1;
-  request.drive_head = drive % 2 == 0 ? 0xA0 : 0xA0 | kSlaveBit;
+  request.drive_head = DriveHeadOf(drive);
   request.command = takes_packets ? kIdentifyPacketDevice : kIdentifyDevice;
   request.drive_number = static_cast<std::uint8_t>(drive);
   return request;
@@ -101,20 +100,6 @@ void WriteScannedDisk(ReportWriter& report, const char* label, const DeviceRecor
   report.WriteText(kLineEnd);
 }
 
-bool WriteScannedDisks(ItemRun& run) {
-  RecordArray drives;
-  if (!drives.Create(sizeof(DeviceRecord)) ||
-      ScanDeviceClass(run.context, "DiskDrive", drives) < 0) {
-    return WriteFailedList(run.report, kListName);
-  }
-  if (drives.count() == 0) {
-    WriteEmptyList(run.report, kListName);
-  } else {
-    WriteRecords<DeviceRecord>(run.report, kListName, drives, WriteScannedDisk);
-  }
-  return true;
-}
-
 }  // namespace
 
 bool IdentifyIdeDrives(const ProbeContext& context, RecordArray& drives) {
@@ -151,7 +136,7 @@ bool WriteDiskDrives(ItemRun& run) {
     WriteRecords<DiskDriveRecord>(run.report, kListName, drives, WriteScsiDisk);
     return true;
   }
-  return WriteScannedDisks(run);
+  return WriteScannedList(run, kListName, "DiskDrive", sizeof(DeviceRecord), WriteScannedDisk);
 }
 
 }  // namespace hostscope

@@ -25,16 +25,16 @@ constexpr NumberText kDriveTypes[] = {{DRIVE_NO_ROOT_DIR, "no_root_dir"},
 // Texts one behind the other, with an empty one at the end. Absent when the system does not give
 // them, and when there is no memory.
 HeapBuffer ReadRoots() {
-  // A drive may come between the two calls, and then the list is asked for again.
+  constexpr DWORD kMost = 0x10000;
+  // A drive may come between two calls, and then the list is asked for again.
   constexpr int kMostTries = 4;
-  for (int i = 0; i < kMostTries; ++i) {
-    const DWORD size = GetLogicalDriveStringsA(0, nullptr);
-    if (size == 0) return {};
-    // With a zero behind what the system may fill.
-    HeapBuffer roots(std::size_t{size} + 1);
-    const DWORD length = roots.present() ? GetLogicalDriveStringsA(size, roots.data()) : 0;
-    if (length == 0) return {};
-    if (length <= size) return roots;
+  DWORD size = GetLogicalDriveStringsA(0, nullptr);
+  for (int i = 0; i < kMostTries && size != 0 && size <= kMost; ++i) {
+    // A system may leave the last zero out of its answer. Another one lies behind what it may fill.
+    const DWORD room = size + 1;
+    HeapBuffer roots(room + 1);
+    size = roots.present() ? GetLogicalDriveStringsA(room, roots.data()) : 0;
+    if (size != 0 && size <= room) return roots;
   }
   return {};
 }
@@ -157,11 +157,7 @@ bool WriteLogicalDisks(ItemRun& run) {
   RecordArray disks;
   if (!disks.Create(sizeof(LogicalDiskRecord)) || !ListLogicalDisks(run.context, disks))
     return WriteFailedList(run.report, kListName);
-  if (disks.count() == 0) {
-    WriteEmptyList(run.report, kListName);
-    return true;
-  }
-  WriteRecords<LogicalDiskRecord>(
+  WriteList<LogicalDiskRecord>(
       run.report, kListName, disks,
       [&run](ReportWriter& report, const char* label, const LogicalDiskRecord& disk) {
         report.WriteFormatted("%-27s%-21s:  %c\r\n", label, "Letter", disk.letter);

@@ -197,8 +197,7 @@ bool WritePrinters(ItemRun& run) {
     run.report.WriteText(kLineEnd);
     return false;
   }
-  if (printers.count() == 0) WriteEmptyList(run.report, kListName);
-  WriteRecords<PrinterRecord>(run.report, kListName, printers, WritePrinter);
+  WriteList<PrinterRecord>(run.report, kListName, printers, WritePrinter);
   return true;
 }
 

@@ -238,8 +238,7 @@ bool WriteProcesses(ItemRun& run) {
     run.report.WriteText(kLineEnd);
     return false;
   }
-  if (processes.count() == 0) WriteEmptyList(run.report, kListName);
-  WriteRecords<ProcessRecord>(
+  WriteList<ProcessRecord>(
       run.report, kListName, processes,
       [&run](ReportWriter& report, const char* label, const ProcessRecord& process) {
         WriteProcess(report, label, process, run.context.is_nt());

@@ -34,17 +34,23 @@ void WriteRecords(ReportWriter& report, const char* list_name, const RecordArray
   }
 }
 
-// The same for records of one line each, with an empty line behind the last one; the empty list
-// when there is no record.
+// The same, or the empty list when there is no record.
+template <typename Record, typename Write>
+void WriteList(ReportWriter& report, const char* list_name, const RecordArray& records,
+               Write write) {
+  if (records.count() == 0) {
+    WriteEmptyList(report, list_name);
+  } else {
+    WriteRecords<Record>(report, list_name, records, write);
+  }
+}
+
+// A list of records of one line each, with an empty line behind the last one.
 template <typename Record, typename Write>
 void WriteLines(ReportWriter& report, const char* list_name, const RecordArray& records,
                 Write write) {
-  if (records.count() == 0) {
-    WriteEmptyList(report, list_name);
-    return;
-  }
-  WriteRecords<Record>(report, list_name, records, write);
-  report.WriteText(kLineEnd);
+  WriteList<Record>(report, list_name, records, write);
+  if (records.count() != 0) report.WriteText(kLineEnd);
 }
 
 }  // namespace hostscope

@@ -35,7 +35,7 @@ trap_common:
     pushal
     pushl %esp
     call handle_trap
-    addl $4, %esp
+    movl %eax, %esp
     popal
     addl $8, %esp
     iretl
@@ -85,6 +85,8 @@ extern char program_stack[] asm("program_stack");
 extern volatile std::uint32_t recover_at asm("recover_at");
 alignas(16) char kernel_stack[16384];
 alignas(16) char program_stack[65536];
+alignas(16) char other_kernel_stack[sizeof(kernel_stack)];
+alignas(16) char other_stack[16384];
 // Where a program goes on that tries what may fault; 0 when nobody tries.
 volatile std::uint32_t recover_at = 0;
 void EnterProgram(void (*program)(const char*), const char* words) asm("enter_program");
@@ -178,6 +180,7 @@ Table other_memory;
 Table table_before;
 Table other_before;
 unsigned tables_made = 0;
+unsigned last_slot = 0;
 std::uint32_t* table_page = nullptr;
 std::uint32_t* other_page = nullptr;
 
@@ -240,6 +243,7 @@ void TellTableRegister(Told told, TableRegister truth, std::uint32_t other_addre
 
 // Each time elsewhere, so that nobody mistakes the table for the one before.
 void MakeTable(const TableSetup& setup) {
+  last_slot = setup.limit < kPage ? setup.limit / sizeof(Descriptor) : kSlots - 1;
   LoadTable({setup.limit, AddressOf(&table)});
   FillTable(setup);
   FillOtherMemory(setup.told);
@@ -280,29 +284,121 @@ constexpr std::uint32_t kInterruptFlag = 0x200;
 struct {
   std::uint32_t intrude_after;
   Steps steps;
+  Descriptor before;  // what stood in the slot after the last step
+  bool gates_forbidden;
 } stepping;
 
-void LookAfterStep(const Frame& frame) {
-  auto& [intrude_after, steps] = stepping;
+bool IsGate(Descriptor descriptor) {
+  return (descriptor.high & 0x8000) != 0;
+}
+
+// Of a gate for programs, which the kernel's own descriptor is not.
+bool IsWhole(Descriptor gate) {
+  return (gate.low >> 16 & ~3U) == 0x28 && (gate.high & 0xFFFF) == 0xEC00;
+}
+
+bool SlotIsWell(Descriptor last) {
+  const auto& [intrude_after, steps, before, gates_forbidden] = stepping;
+  // Who wants the slot as well may touch the bit of its claim for a moment.
+  constexpr std::uint32_t kClaim = 0x10000;
+  if (steps.intruded)
+    return (last.low | kClaim) == (kTaken.low | kClaim) && last.high == kTaken.high;
+  if (!IsGate(last)) return true;
+  const bool is_changed = IsGate(before) && (before.low != last.low || before.high != last.high);
+  return IsWhole(last) && !is_changed && !gates_forbidden;
+}
+
+// The transfer itself can't be interrupted, and everything of a program can.
+bool FlagsAreWell(const Frame& frame) {
   const std::uint8_t next = *reinterpret_cast<const std::uint8_t*>(frame.eip);
   const bool is_transfer = next == 0x66 || (next >= 0xEC && next <= 0xEF);
   const bool may_interrupt = (frame.flags & kInterruptFlag) != 0;
-  if (frame.cs == 0x28 ? is_transfer && may_interrupt : !may_interrupt) steps.wrong_flags = true;
-  const Descriptor last{table.slots[kSlots - 1].low, table.slots[kSlots - 1].high};
-  const bool is_valid = (last.high & 0x8000) != 0;
-  if (steps.intruded) {
-    // Who wants the slot as well may touch its lowest bit for a moment.
-    steps.spoiled |= (last.low | 1) != (kTaken.low | 1) || last.high != kTaken.high;
-  } else if (is_valid && (last.low >> 16 != 0x28 || (last.high & 0xFFFF) != 0xEC00)) {
-    steps.half_gates = true;
-  }
+  return frame.cs == 0x28 ? !is_transfer || !may_interrupt : may_interrupt;
+}
+
+void LookAfterStep(const Frame& frame) {
+  auto& [intrude_after, steps, before, gates_forbidden] = stepping;
+  const Descriptor last{table.slots[last_slot].low, table.slots[last_slot].high};
+  steps.well &= SlotIsWell(last) && FlagsAreWell(frame);
+  before = last;
   const bool is_free = last.low == 0 && last.high == 0;
-  ++steps.count;
-  if (intrude_after == kOnceAGateStands ? is_valid && !steps.intruded
+  if (intrude_after == kOnceAGateStands ? IsGate(last) && !steps.intruded
                                         : is_free && steps.count == intrude_after) {
-    SetSlot(table, kSlots - 1, kTaken);
+    SetSlot(table, last_slot, kTaken);
     steps.intruded = true;
   }
+}
+
+// --- Turns ---
+
+// Each program has a stack in the kernel of its own, so that the other can go on even when one is
+// in the middle of a call of a gate.
+struct {
+  Turns turns;
+  unsigned turn;
+  bool is_other;   // who has the processor
+  Frame* waiting;  // who has not; null: there is none
+} sharing;
+constexpr unsigned kLastTurn = 3;
+
+Frame* Switch(Frame* frame) {
+  Frame* const next = sharing.waiting;
+  sharing.waiting = frame;
+  sharing.is_other = !sharing.is_other;
+  task_state.kernel_stack =
+      AddressOf(sharing.is_other ? other_kernel_stack : kernel_stack) + sizeof(kernel_stack);
+  return next;
+}
+
+bool IsAheadOfClaim(const Frame& frame) {
+  constexpr std::uint8_t kLockedBitInstruction[] = {0xF0, 0x0F, 0xBA};
+  return memcmp(reinterpret_cast<const void*>(frame.eip), kLockedBitInstruction, 3) == 0;
+}
+
+bool IsTurnOver(const Frame& frame) {
+  const auto& [turns, turn, is_other, waiting] = sharing;
+  switch (turn) {
+    case 0:
+      return IsAheadOfClaim(frame);
+    case 1:
+      return stepping.steps.count == turns.own_steps;
+    case 2:
+      return stepping.steps.other_count == turns.other_steps;
+    default:
+      return false;
+  }
+}
+
+Frame* CountStep(Frame* frame) {
+  Steps& steps = stepping.steps;
+  if (!sharing.is_other) ++steps.count;
+  if (sharing.turn == 2) ++steps.other_count;
+  LookAfterStep(*frame);
+  if (sharing.waiting == nullptr || !IsTurnOver(*frame)) return frame;
+  ++sharing.turn;
+  return Switch(frame);
+}
+
+Frame* StartTurns(Frame* frame, const Turns& turns) {
+  constexpr std::uint32_t kRoomForACall = 8;
+  auto* const other = reinterpret_cast<Frame*>(other_kernel_stack + sizeof(other_kernel_stack)) - 1;
+  *other = {};
+  other->eip = reinterpret_cast<std::uint32_t>(turns.other);
+  other->cs = 0x1B;
+  other->flags = 0x202 | kStepFlag;
+  other->esp = AddressOf(other_stack) + sizeof(other_stack) - kRoomForACall;
+  other->ss = 0x23;
+  sharing = {turns, turns.up_to_claim ? 0U : 1U, false, other};
+  return turns.up_to_claim ? Switch(frame) : frame;
+}
+
+// Whoever goes on has no further turns to mind.
+Frame* GiveAway(Frame* frame, bool for_ever) {
+  if (sharing.waiting == nullptr) return frame;
+  sharing.turn = kLastTurn;
+  Frame* const next = Switch(frame);
+  if (for_ever) sharing.waiting = nullptr;
+  return next;
 }
 
 // --- Traps ---
@@ -313,6 +409,11 @@ enum class Service : std::uint32_t {
   kExamineTable,
   kTakeLastSlot,
   kBeginSteps,
+  kBeginTurns,
+  kForbidGates,
+  kYield,
+  kLeave,
+  kKillOther,
   kEndSteps,
   kTimerRuns,
   kExit,
@@ -337,36 +438,59 @@ void PutText(const char* text) {
     asm volatile("hlt");
 }
 
-void Serve(Frame& frame) {
+// The frame of who goes on.
+Frame* Serve(Frame& frame) {
   void* const argument = reinterpret_cast<void*>(frame.ebx);
   switch (static_cast<Service>(frame.eax)) {
     case Service::kPut:
-      return Out(0xE9, static_cast<std::uint8_t>(frame.ebx));
+      Out(0xE9, static_cast<std::uint8_t>(frame.ebx));
+      return &frame;
     case Service::kPrepareTable:
-      return MakeTable(*static_cast<const TableSetup*>(argument));
+      MakeTable(*static_cast<const TableSetup*>(argument));
+      return &frame;
     case Service::kExamineTable:
       *static_cast<TableState*>(argument) = {
           ((*table_page | *other_page) & kDirty) != 0,
           AreSame(table, table_before) && AreSame(other_memory, other_before)};
-      return;
+      return &frame;
     case Service::kTakeLastSlot:
-      return SetSlot(table, kSlots - 1, frame.ebx != 0 ? kTaken : Descriptor{});
+      SetSlot(table, last_slot, frame.ebx != 0 ? kTaken : Descriptor{});
+      return &frame;
     case Service::kBeginSteps:
-      stepping = {frame.ebx, {}};
+      stepping = {frame.ebx, {}, {}, false};
       frame.flags |= kStepFlag;
-      return;
+      return &frame;
+    case Service::kBeginTurns:
+      stepping = {kNever, {}, {}, false};
+      frame.flags |= kStepFlag;
+      return StartTurns(&frame, *static_cast<const Turns*>(argument));
+    case Service::kForbidGates:
+      stepping.gates_forbidden = true;
+      return &frame;
+    case Service::kYield:
+      return GiveAway(&frame, false);
+    case Service::kLeave:
+      return GiveAway(&frame, true);
+    case Service::kKillOther:
+      sharing.waiting = nullptr;
+      return &frame;
     case Service::kEndSteps:
+      if (sharing.waiting != nullptr) {
+        // Asked again when the other one is over.
+        frame.eip -= 2;
+        return GiveAway(&frame, false);
+      }
       frame.flags &= ~kStepFlag;
-      stepping.steps.spoiled |=
-          stepping.steps.intruded && table.slots[kSlots - 1].low != kTaken.low;
+      stepping.steps.well &= !stepping.steps.intruded || table.slots[last_slot].low == kTaken.low;
       *static_cast<Steps*>(argument) = stepping.steps;
-      return;
+      return &frame;
     case Service::kTimerRuns:
       frame.eax = timer_ticks != 0;
-      return;
+      return &frame;
     case Service::kExit:
       Stop(frame.ebx != 0);
   }
+  __builtin_unreachable();
 }
 
 // SGDT with a register or a register and a displacement as its address, as compilers write it.
@@ -401,18 +525,20 @@ void HandleFault(Frame& frame) {
   Stop(false);
 }
 
-extern "C" void HandleTrap(Frame* frame) asm("handle_trap");
-void HandleTrap(Frame* frame) {
+extern "C" Frame* HandleTrap(Frame* frame) asm("handle_trap");
+Frame* HandleTrap(Frame* frame) {
   switch (frame->vector) {
     case kTimer:
       timer_ticks = timer_ticks + 1;
-      return Out(0x20, 0x20);
+      Out(0x20, 0x20);
+      return frame;
     case kSingleStep:
-      return LookAfterStep(*frame);
+      return CountStep(frame);
     case kServices:
       return Serve(*frame);
     default:
-      return HandleFault(*frame);
+      HandleFault(*frame);
+      return frame;
   }
 }
 
@@ -504,6 +630,22 @@ void TakeLastSlot(bool taken) {
 }
 void BeginSteps(std::uint32_t intrude_after) {
   Ask(Service::kBeginSteps, intrude_after);
+}
+void BeginTurns(const Turns& turns) {
+  Ask(Service::kBeginTurns, AddressOf(&turns));
+}
+void ForbidGates() {
+  Ask(Service::kForbidGates);
+}
+void Yield() {
+  Ask(Service::kYield);
+}
+void LeaveProcessor() {
+  Ask(Service::kLeave);
+  __builtin_unreachable();
+}
+void KillOther() {
+  Ask(Service::kKillOther);
 }
 Steps EndSteps() {
   Steps steps;

@@ -27,11 +27,20 @@ struct TableState {
 };
 
 struct Steps {
-  std::uint32_t count;
-  bool intruded;     // the kernel took the slot meanwhile, and it is still the kernel's
-  bool half_gates;   // a gate was valid before it was complete
-  bool wrong_flags;  // the transfer itself could be interrupted, or nothing else any more
-  bool spoiled;      // the kernel's slot was changed
+  std::uint32_t count = 0;        // of the program itself
+  std::uint32_t other_count = 0;  // of the other one in its second turn
+  bool intruded = false;  // the kernel took the slot meanwhile, and it is still the kernel's
+  bool well = true;       // nothing of what no step may bring about
+};
+
+// Two programs take turns. The other one begins, then come a number of instructions of the program
+// itself, then a number of the other's; then each runs to its end.
+struct Turns {
+  void (*other)();  // ends by LeaveProcessor
+  bool
+      up_to_claim;  // the other's first turn ends ahead of its claim of the slot, or is none at all
+  std::uint32_t own_steps;
+  std::uint32_t other_steps;
 };
 
 // The kernel's services for the program, each by an interrupt.
@@ -42,8 +51,17 @@ TableState ExamineTable();
 void TakeLastSlot(bool taken);
 // From here to EndSteps the kernel looks at the table after every instruction, and after that
 // number of them it takes the last slot if that is free, or else as soon as a gate stands in it.
+constexpr std::uint32_t kNever = 0xFFFFFFFE;
 constexpr std::uint32_t kOnceAGateStands = 0xFFFFFFFF;
 void BeginSteps(std::uint32_t intrude_after);
+// The same with another program, and without the kernel's taking anything.
+void BeginTurns(const Turns& turns);
+// From here to EndSteps no gate may stand.
+void ForbidGates();
+// The other of two programs goes on, if there is one: until further notice, for ever, not at all.
+void Yield();
+[[noreturn]] void LeaveProcessor();
+void KillOther();
 Steps EndSteps();
 bool TimerRuns();
 [[noreturn]] void Exit(bool success);

@@ -1,11 +1,20 @@
 // Runs without any rights, as hscope.exe does, and holds its very object code for controller ports:
 // prints what the drives answer, and tries the ports where there is no way to them.
 #include <array>
+#include <atomic>
 #include <string_view>
 
 #include "platform/ports.h"
 #include "probes/devices/ata_identify.h"
 #include "tests/emulated/kernel.h"
+
+// Of the object code itself.
+namespace hostscope {
+extern std::atomic<bool> port_transfers_ended;
+}
+namespace second_program {
+bool ReadPortByte(std::uint16_t port, std::uint8_t& value);
+}
 
 namespace emulated {
 namespace {
@@ -40,7 +49,13 @@ std::uint32_t __attribute__((stdcall)) IsBadWritePtr(std::uint32_t address, std:
   return FailsAnywhere(address, size, TryWriteMemory);
 }
 
+void __attribute__((stdcall)) Sleep(std::uint32_t) {
+  Yield();
+}
+
 extern "C" {
+extern const void* const import_sleep asm("__imp__Sleep@4");
+const void* const import_sleep = reinterpret_cast<const void*>(Sleep);
 extern const void* const import_get_version asm("__imp__GetVersion@0");
 extern const void* const import_is_bad_read_ptr asm("__imp__IsBadReadPtr@8");
 extern const void* const import_is_bad_write_ptr asm("__imp__IsBadWritePtr@8");
@@ -126,7 +141,6 @@ void ShowTables() {
     std::uint32_t version = kWindows98;
   };
   static constexpr Row kRows[] = {
-      {"ordinary table", {}},
       {"code elsewhere", {.flat_code = 0xFE8}},
       {"nt", {}, kWindowsNt},
       {"no free slot", {.is_full = true}},
@@ -170,8 +184,7 @@ void ShowIntrusions() {
     BeginSteps(after);
     const bool reached = ReadPortByte(kConsole, byte);
     const Steps steps = EndSteps();
-    is_well &=
-        !steps.half_gates && !steps.wrong_flags && !steps.spoiled && reached == (byte == kConsole);
+    is_well &= steps.well && reached == (byte == kConsole);
     intrusions += steps.intruded;
     refused += !reached;
     if (steps.intruded) TakeLastSlot(false);
@@ -189,8 +202,67 @@ void ShowRobbery() {
   const bool reached = ReadPortByte(kConsole, byte);
   const Steps steps = EndSteps();
   TakeLastSlot(false);
-  PutLine("robbery: intruded ", YesOrNo(steps.intruded), ", byte ", YesOrNo(reached), ", spoiled ",
-          YesOrNo(steps.spoiled), ", as before ", YesOrNo(ExamineTable().is_as_before));
+  PutLine("robbery: intruded ", YesOrNo(steps.intruded), ", byte ", YesOrNo(reached), ", well ",
+          YesOrNo(steps.well), ", as before ", YesOrNo(ExamineTable().is_as_before));
+}
+
+// One free slot, so that a program that does not get it gets none.
+constexpr TableSetup kSmallTable = {.limit = 0xAF};
+
+bool other_reached = false;
+std::uint8_t other_byte = 0;
+
+void TransferInSecondProgram() {
+  other_reached = second_program::ReadPortByte(kConsole, other_byte);
+  LeaveProcessor();
+}
+
+void TransferInSecondThread() {
+  ReadPortByte(kConsole, other_byte);
+  LeaveProcessor();
+}
+
+void EndTransfers() {
+  EndPortTransfers();
+  ForbidGates();
+  LeaveProcessor();
+}
+
+// The other one comes after the first, the second, ... instruction of a transfer and gets its
+// first, its first two, ... instructions. Then the transfer goes on.
+void ShowTurns(std::string_view what, void (*other)(), bool up_to_claim) {
+  std::uint32_t cases = 0;
+  std::uint32_t refused = 0;
+  bool is_well = true;
+  Steps steps = {};
+  for (std::uint32_t own = 1; own == 1 || steps.count >= own - 1; ++own) {
+    for (std::uint32_t others = 1; others == 1 || steps.other_count >= others - 1; ++others) {
+      std::uint8_t byte = other_byte = 0;
+      other_reached = port_transfers_ended = false;
+      PrepareTable(kSmallTable);
+      is_well &= TryPorts().byte;
+      BeginTurns({other, up_to_claim, own, others});
+      const bool reached = ReadPortByte(kConsole, byte);
+      steps = EndSteps();
+      is_well &= steps.well && reached == (byte == kConsole) &&
+                 other_reached == (other_byte == kConsole) && ExamineTable().is_as_before;
+      ++cases;
+      refused += !reached;
+    }
+  }
+  PutLine(what, ": ", cases, ", transfers refused ", refused, ", well ", YesOrNo(is_well));
+}
+
+// A thread that is ended in the middle of a transfer is not waited for for ever.
+void ShowEndWithoutThread() {
+  port_transfers_ended = false;
+  BeginTurns({TransferInSecondThread, true, 0, 0});
+  KillOther();
+  EndPortTransfers();
+  EndSteps();
+  PrepareTable({});
+  ShowAttempts("after the end");
+  port_transfers_ended = false;
 }
 
 }  // namespace
@@ -203,6 +275,9 @@ void RunProgram(const char* words) {
     ShowTakenSlot();
     ShowIntrusions();
     ShowRobbery();
+    ShowTurns("second claimants", TransferInSecondProgram, true);
+    ShowTurns("ends", EndTransfers, false);
+    ShowEndWithoutThread();
     ShowTables();
   }
   PutLine("timer: ", YesOrNo(TimerRuns()));

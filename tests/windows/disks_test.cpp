@@ -46,8 +46,11 @@ std::string Line(const std::string& label, const std::string& field, const std::
   return Padded(label, 27) + Padded(field, 21) + ":  " + value;
 }
 
-// What the report says of the drives. The free space, which changes, is left out.
-std::vector<std::string> LogicalDiskLines() {
+constexpr char kFree[] = "Total free space", kAvailable[] = "Available free space";
+
+// What the report says of the drives, without the numbers of the free space, which changes; the
+// largest that those can be are appended to the second list.
+std::vector<std::string> LogicalDiskLines(std::vector<std::uint64_t>& totals) {
   constexpr const char* kTypes[] = {"unknown", "no_root_dir", "removable", "fixed",
                                     "network", "CDROM",       "RAM disk"};
   std::vector<std::string> lines;
@@ -68,16 +71,29 @@ std::vector<std::string> LogicalDiskLines() {
     if (root[0] > L'B') {
       char number[16];
       std::snprintf(number, sizeof number, "0x%08lX", flags);
-      lines.insert(
-          lines.end(),
-          {Line("", "File system name", Narrow(name)), Line("", "File system flags", number),
-           Line("", "Total space", std::to_string(total.QuadPart) + " b"),
-           Line("", "Total free space", ""), Line("", "Available free space", "")});
+      lines.insert(lines.end(), {Line("", "File system name", Narrow(name)),
+                                 Line("", "File system flags", number),
+                                 Line("", "Total space", std::to_string(total.QuadPart) + " b"),
+                                 Line("", kFree, ""), Line("", kAvailable, "")});
+      totals.push_back(total.QuadPart);
     }
     lines.emplace_back();
   }
   lines[0].replace(0, 27, Padded("Logical disks (total " + std::to_string(count) + ")", 27));
   return lines;
+}
+
+// Takes the numbers of a field out of its lines.
+std::vector<std::uint64_t> CutNumbers(std::vector<std::string>& lines, const char* field) {
+  std::vector<std::uint64_t> numbers;
+  const std::string start = Line("", field, "");
+  for (std::string& line : lines) {
+    if (!line.starts_with(start)) continue;
+    EXPECT_TRUE(line.ends_with(" b")) << line;
+    numbers.push_back(std::strtoull(line.c_str() + start.size(), nullptr, 10));
+    line = start;
+  }
+  return numbers;
 }
 
 // The lines below the banner.
@@ -96,10 +112,17 @@ TEST_P(DisksOnEveryRelease, DriveLettersAreAsOtherCodeFindsThem) {
       "TotalSpace=1\r\nFreeSpace=1\r\nAvailableFreeSpace=1\r\nFileSystemType=1\r\n"
       "FileSystemFlags=1\r\n",
       list);
-  for (std::string& line : lines) {
-    if (line.find(" free space") != std::string::npos) line.resize(Line("", "", "").size());
+  const std::vector<std::uint64_t> free = CutNumbers(lines, kFree);
+  const std::vector<std::uint64_t> available = CutNumbers(lines, kAvailable);
+  std::vector<std::uint64_t> totals;
+  EXPECT_EQ(lines, LogicalDiskLines(totals));
+  ASSERT_TRUE(free.size() == totals.size() && available.size() == totals.size());
+  for (size_t i = 0; i < totals.size(); ++i) {
+    EXPECT_LE(free[i], totals[i]) << i;
+    EXPECT_LE(available[i], free[i]) << i;
   }
-  EXPECT_EQ(lines, LogicalDiskLines());
+  // C: is the first one that tells of space.
+  EXPECT_TRUE(available[0] != 0 && free[0] < totals[0]);
   EXPECT_EQ(list.front(), ProgressLine("Logical disks...", "Ok"));
 }
 

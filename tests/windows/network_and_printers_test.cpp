@@ -121,7 +121,8 @@ TEST_P(NetworkOnEveryRelease, IsAsOtherCodeFindsIt) {
                 ValueLine("Default email client", "Post") + (is_nt ? "OOOOOOFFO" : "OFOOOOOOO"));
 }
 
-TEST_P(NetworkOnEveryRelease, WithoutSockets) {
+TEST(Network, WithoutSockets) {
+  const Release release("win95");
   const auto absent = RegistryValue::Text(HKEY_CURRENT_USER, kOverrides, "wsock32", "");
   const auto mail = RegistryValue::Text(HKEY_LOCAL_MACHINE, "Software\\Clients\\Mail", "", "");
   EXPECT_EQ(LastSection("[NETWORK]\r\nWinsockInfo=1\r\nHostName=1\r\nAliases=1\r\nIPAddresses=1\r\n"
@@ -173,33 +174,18 @@ TEST_P(PrintersOnEveryRelease, AreAsOtherCodeFindsThem) {
   SeededKeys seeded;
   PutPrinter(seeded, "First", "", PRINTER_ATTRIBUTE_DEFAULT | PRINTER_ATTRIBUTE_NETWORK);
   PutPrinter(seeded, "Second \xE4", "SHARED", PRINTER_ATTRIBUTE_SHARED | PRINTER_ATTRIBUTE_LOCAL);
-  const struct {
-    const char* device;
-    const char* name;
-    const char* shared;  // empty: no details
-    const char* spooler = "builtin";
-  } rows[] = {
-      {"SECOND \xC4,winspool,LPT1:", "SECOND \xC4", "Yes"},
-      {"First", "First", "No"},
-      {"Third,winspool,LPT1:", "Third", ""},
-      {"", "", ""},
-      {"First,winspool,LPT1:", "First", "", ""},
-  };
-  for (const auto& row : rows) {
+  for (const bool has_spooler : {true, false}) {
     const auto device = RegistryValue::Text(
         HKEY_CURRENT_USER, "Software\\Microsoft\\Windows NT\\CurrentVersion\\Windows", "Device",
-        row.device);
-    const auto spooler =
-        RegistryValue::Text(HKEY_CURRENT_USER, kOverrides, "winspool.drv", row.spooler);
-    std::string expected = *row.name == '\0' ? ValueLine("Default printer", "Unknown")
-                                             : FieldLine("Default printer", "Name", row.name);
-    if (*row.shared != '\0')
-      expected += FieldLine("", "Local", "Yes") + FieldLine("", "Shared", row.shared);
-    expected += *row.spooler == '\0'
-                    ? "\r\nPrinters\r\nOF"
-                    : "\r\n" + ListedPrinters(GetParam().has_tokens, row.name) + "OO";
-    EXPECT_EQ(LastSection("[PRINTER]\r\nDefault=1\r\nPrinters=1\r\n"), expected)
-        << row.device << " " << row.spooler;
+        "SECOND \xC4,winspool,LPT1:");
+    const auto spooler = RegistryValue::Text(HKEY_CURRENT_USER, kOverrides, "winspool.drv",
+                                             has_spooler ? "builtin" : "");
+    const std::string details = FieldLine("", "Local", "Yes") + FieldLine("", "Shared", "Yes") +
+                                "\r\n" + ListedPrinters(GetParam().has_tokens, "SECOND \xC4") +
+                                "OO";
+    EXPECT_EQ(LastSection("[PRINTER]\r\nDefault=1\r\nPrinters=1\r\n"),
+              FieldLine("Default printer", "Name", "SECOND \xC4") +
+                  (has_spooler ? details : "\r\nPrinters\r\nOF"));
   }
 }
 
