@@ -143,14 +143,21 @@ std::string FieldOf(const std::string& line) {
   return end > kMostPlace || line[end] == '=' ? "" : line.substr(0, end);
 }
 
-// Which words of the line the other one has, too.
-std::string CommonWords(const std::string& line, const std::string& other) {
+// The line with "~" for the words that the other one has, too, "0" for numbers of entries, and the
+// other words as they are or as "x".
+std::string WordsOf(const std::string& line, const std::string& other, bool as_they_are) {
   std::istringstream words(line), other_words(other);
   const std::set<std::string> known(std::istream_iterator<std::string>(other_words), {});
   std::string shape;
   for (std::string word; words >> word;) {
-    const char kind = known.contains(word) ? '~' : 'x';
-    if (shape.empty() || shape.back() != kind) shape += kind;
+    if (known.contains(word)) {
+      word = "~";
+    } else if (word.find_first_not_of("0123456789)") == word.npos) {
+      word = "0";
+    } else if (!as_they_are) {
+      word = "x";
+    }
+    if (!shape.ends_with(word)) shape += word;
   }
   return shape;
 }
@@ -199,12 +206,12 @@ Difference DifferenceOf(const std::string& sound, const std::string& text) {
   for (std::size_t i = 0; i < added.size(); ++i) {
     difference.whole += "+" + added[i] + "|";
     const std::string replaced = i < missing.size() ? missing[i] : "";
-    shapes.insert("+" + FieldOf(added[i]) + CommonWords(added[i], replaced));
+    shapes.insert("+" + FieldOf(added[i]) + WordsOf(added[i], replaced, true));
   }
   for (std::size_t i = 0; i < missing.size(); ++i) {
     difference.whole += "-" + missing[i] + "|";
     shapes.insert("-" + FieldOf(missing[i]) +
-                  CommonWords(missing[i], i < added.size() ? added[i] : ""));
+                  WordsOf(missing[i], i < added.size() ? added[i] : "", false));
   }
   for (const std::string& shape : shapes)
     difference.shape += shape;
