@@ -143,10 +143,16 @@ std::string FieldOf(const std::string& line) {
   return end > kMostPlace || line[end] == '=' ? "" : line.substr(0, end);
 }
 
+// With the name of a registry value as a word of its own.
+std::string Parted(std::string line) {
+  std::ranges::replace(line, '=', ' ');
+  return line;
+}
+
 // The line with "~" for the words that the other one has, too, "0" for numbers of entries, and the
 // other words as they are or as "x".
 std::string WordsOf(const std::string& line, const std::string& other, bool as_they_are) {
-  std::istringstream words(line), other_words(other);
+  std::istringstream words(Parted(line)), other_words(Parted(other));
   const std::set<std::string> known(std::istream_iterator<std::string>(other_words), {});
   std::string shape;
   for (std::string word; words >> word;) {
