@@ -3,12 +3,13 @@
 Usage: bench/memory.py WINDOWS_BUILD_FOLDER [PROFILE]     (the profile is profiles/full.ini; the build folder
 holds the target hscope_counted)
 Prints for the program with the profile, and with every switch off:
-  heap      what the program has had of the heap at most, counted at its own calls,
+  blocks    what the program has had of the heap, and of whole pages (the list of processes, what DOS is
+            handed), at most, counted at its own calls,
   image     the pages of its file, which all are its own on the oldest systems,
   stacks    the reserve of its two threads, which a run does not exceed,
 and beside them what the whole process has written to at most (look by look), which is mostly Wine's: its
-libraries, and all that they take for themselves, as for DirectX done by software. Exit code 1 when heap, image and
-stacks together are more than 3 MB.
+libraries, and all that they take for themselves, as for DirectX done by software. Exit code 1 when blocks, image
+and stacks together are more than 3 MB.
 """
 
 import pathlib
@@ -45,12 +46,12 @@ def find_process(session, name):
 
 
 def look(process, counter):
-    """The peak of the heap and what the whole process has written to now, in KB."""
+    """The peak of the blocks and what the whole process has written to now, in KB."""
     with (process / "mem").open("rb") as memory:
         memory.seek(counter)
-        heap = struct.unpack("<I", memory.read(4))[0] / 1024
+        blocks = struct.unpack("<I", memory.read(4))[0] / 1024
     written = WRITTEN.search((process / "smaps_rollup").read_text())
-    return heap, int(written[1])
+    return blocks, int(written[1])
 
 
 def peaks(program, counter, profile):
@@ -97,13 +98,13 @@ def main():
             shutil.copy(build / file, folder)
         shutil.copy(profile, folder / "profile.ini")
         (folder / "none.ini").write_bytes(b"[GENERAL]\r\nReportFileName=none.txt\r\n")
-        print(f"{'KB':<18}{'heap':>9}{'image':>9}{'stacks':>9}{'together':>10}{'process':>10}")
+        print(f"{'KB':<18}{'blocks':>9}{'image':>9}{'stacks':>9}{'together':>10}{'process':>10}")
         for run in "none.ini", "profile.ini":
-            heap, process = peaks(folder / "hscope_counted.exe", counter, run)
-            if heap == 0:
+            blocks, process = peaks(folder / "hscope_counted.exe", counter, run)
+            if blocks == 0:
                 sys.exit("there was nothing to look at")
-            own[run] = heap + image + stacks
-            print(f"{run:<18}{heap:>9.1f}{image:>9}{stacks:>9}{own[run]:>10.1f}{process:>10}")
+            own[run] = blocks + image + stacks
+            print(f"{run:<18}{blocks:>9.1f}{image:>9}{stacks:>9}{own[run]:>10.1f}{process:>10}")
     return 0 if own["profile.ini"] <= MOST_KILOBYTES else 1
 
 

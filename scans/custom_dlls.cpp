@@ -53,8 +53,9 @@ bool RunCustomDlls(ItemRun& run) {
   run.progress.AddProgressLine("Custom dlls:");
   const StringList& entries = run.settings.custom_dlls;
   for (int i = 0; i < entries.count(); ++i) {
-    OwnedText entry = DuplicateText(entries.Get(i));
-    if (entry.present()) RunEntry(run, entry.data());
+    // An entry fits into the work area, which the profile has been read by.
+    CopyText(run.work.data(), run.work.size(), entries.Get(i));
+    RunEntry(run, run.work.data());
   }
   return true;
 }

@@ -28,7 +28,7 @@ void WriteValueLine(ReportWriter& report, const KeyWalk& walk) {
   const OwnedText text = FormatRegistryValue(walk.type(), walk.data());
   report.WriteText(walk.name()[0] == '\0' ? "(Default)" : walk.name());
   report.WriteText("=");
-  report.WriteText(text.c_str());
+  report.WriteText(text.present() ? text.c_str() : "(not enough memory)");
   report.WriteText(kLineEnd);
 }
 
@@ -76,8 +76,9 @@ bool WriteRegistryKeys(ItemRun& run) {
   const StringList& entries = run.settings.registry_keys;
   bool any_opened = false;
   for (int i = 0; i < entries.count(); ++i) {
-    OwnedText entry = DuplicateText(entries.Get(i));
-    if (entry.present() && WriteEntry(run.report, entry.data())) any_opened = true;
+    // An entry fits into the work area, which the profile has been read by.
+    CopyText(run.work.data(), run.work.size(), entries.Get(i));
+    if (WriteEntry(run.report, run.work.data())) any_opened = true;
   }
   return any_opened;
 }

@@ -6,8 +6,8 @@
 
 namespace hostscope {
 
-// A zeroed block below 4 GB. Its own pages, so that whoever writes somewhat more than it should
-// harms nothing.
+// A zeroed block below 4 GB, in pages of its own: whoever writes behind it harms nothing up to the
+// end of its last page, which a block of whole pages fills.
 class LowBlock {
  public:
   explicit LowBlock(std::size_t size);

@@ -15,17 +15,24 @@ bool RecordArray::Create(std::size_t record_size, std::size_t growth) {
   return block_.present();
 }
 
+// Makes room for records of so many bytes in all.
+bool RecordArray::GrowFor(std::size_t size) {
+  if (!present()) return false;
+  if (size <= block_.size()) return true;
+  // At least the growth step, and half as much again in a large array: a folder may hold a
+  // hundred thousand names, and a copy of them all for every ten would take minutes.
+  const std::size_t step = std::max(growth_, static_cast<std::size_t>(count_) / 2) * record_size_;
+  return block_.size() <= static_cast<std::size_t>(INT32_MAX) - step &&
+         block_.Resize(block_.size() + step);
+}
+
 int RecordArray::Append(const void* record) {
-  if (!present()) return -1;
-  const auto index = static_cast<std::size_t>(count_);
-  if ((index + 1) * record_size_ > block_.size()) {
-    // At least the growth step, and half as much again in a large array: a folder may hold a
-    // hundred thousand names, and a copy of them all for every ten would take minutes.
-    const std::size_t step = std::max(growth_, index / 2) * record_size_;
-    if (block_.size() > static_cast<std::size_t>(INT32_MAX) - step) return -1;
-    if (!block_.Resize(block_.size() + step)) return -1;
+  const std::size_t offset = static_cast<std::size_t>(count_) * record_size_;
+  if (!GrowFor(offset + record_size_)) {
+    complete_ = false;
+    return -1;
   }
-  std::memcpy(block_.data() + index * record_size_, record, record_size_);
+  std::memcpy(block_.data() + offset, record, record_size_);
   return count_++;
 }
 
@@ -36,7 +43,7 @@ void* RecordArray::Get(int index) {
 
 void RecordArray::Destroy() {
   block_.Release();
-  count_ = 0;
+  Clear();
 }
 
 }  // namespace hostscope

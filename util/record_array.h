@@ -26,6 +26,8 @@ class RecordArray {
   // Copies the record in at the end: the index of the new record, or -1 (array unchanged) when the
   // array is absent or could not grow.
   int Append(const void* record);
+  // False once a record could not be appended: the array lacks one.
+  bool complete() const { return complete_; }
   // Number of records; 0 for an absent array.
   int count() const { return count_; }
   // The record in place, until the next Append; null for an index outside 0 .. count() - 1.
@@ -40,15 +42,21 @@ class RecordArray {
     return static_cast<const Record*>(Get(index));
   }
   // Drops the records; the array stays present and empty. An absent one stays absent.
-  void Clear() { count_ = 0; }
+  void Clear() {
+    count_ = 0;
+    complete_ = true;
+  }
   // Releases the records; the array is absent afterwards. Nothing happens to an absent one.
   void Destroy();
 
  private:
+  bool GrowFor(std::size_t size);
+
   HeapBuffer block_;
   std::size_t record_size_ = 0;
   std::size_t growth_ = 0;
   int count_ = 0;
+  bool complete_ = true;
 };
 
 }  // namespace hostscope

@@ -36,9 +36,10 @@ int StringList::Append(const char* text) {
 
 int StringList::Append(const char* text, const char* companion) {
   char* const copy = CopyElement(text, companion);
-  if (copy == nullptr) return -1;
-  const int index = texts_.Append(&copy);
-  if (index < 0) ReleaseElement(copy);
+  const int index = copy == nullptr ? -1 : texts_.Append(&copy);
+  if (index >= 0) return index;
+  if (copy != nullptr) ReleaseElement(copy);
+  complete_ = false;
   return index;
 }
 
@@ -66,6 +67,7 @@ void StringList::Destroy() {
   for (int i = 0; i < texts_.count(); ++i)
     ReleaseElement(*texts_.GetAs<char*>(i));
   texts_.Destroy();
+  complete_ = true;
 }
 
 }  // namespace hostscope

@@ -22,6 +22,8 @@ class StringList {
   int Append(const char* text);
   // The same, with a second text that stays with the first one and does not count when sorting.
   int Append(const char* text, const char* companion);
+  // False once a text could not be appended: the list lacks one.
+  bool complete() const { return complete_; }
   // Number of elements; 0 for an absent list.
   int count() const { return texts_.count(); }
   // The element, owned by the list; null for an index outside 0 .. count() - 1.
@@ -35,6 +37,7 @@ class StringList {
 
  private:
   RecordArray texts_;  // of char*, each a block of the process heap
+  bool complete_ = true;
 };
 
 }  // namespace hostscope

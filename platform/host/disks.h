@@ -77,7 +77,6 @@ struct Disks {
   std::array<IdeChannel, 4> channels;
   // On NT they never can be.
   bool ports_reachable = true;
-  std::uint64_t port_reads = 0;  // transfers from ports so far
   // The disks of NT that can be opened, and which IDE drive they are; none: SCSI or the like.
   std::map<unsigned, std::optional<unsigned>> physical_drives;
   std::map<char, Drive> letters;

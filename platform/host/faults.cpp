@@ -47,18 +47,16 @@ std::map<std::string, unsigned> Faults::CallCounts() const {
 }
 
 std::optional<DWORD> Faults::Enter(std::string_view function) {
-  std::function<void()> action;
-  unsigned call = 0;
-  {
-    const std::lock_guard lock(mutex_);
-    Entry& entry = EntryOf(function);
-    call = ++entry.calls;
-    action = entry.action;
+  std::unique_lock lock(mutex_);
+  Entry& entry = EntryOf(function);
+  const unsigned call = ++entry.calls;
+  if (entry.action) {
+    const std::function<void()> action = entry.action;
+    // Without the lock: the action may state further faults, also for this very call.
+    lock.unlock();
+    action();
+    lock.lock();
   }
-  // Without the lock: the action may state further faults, also for this very call.
-  if (action) action();
-  const std::lock_guard lock(mutex_);
-  const Entry& entry = EntryOf(function);
   const auto nth = entry.fail_at.find(call);
   return nth == entry.fail_at.end() ? entry.fail_always : nth->second;
 }

@@ -85,9 +85,9 @@ Disks* ReachableDisks() {
 namespace hostscope {
 
 bool ReadPortByte(std::uint16_t port, std::uint8_t& value) {
+  if (CallFails("ReadPortByte")) return false;
   Disks* const disks = ReachableDisks();
   if (disks == nullptr) return false;
-  ++disks->port_reads;
   const Register here = RegisterAt(*disks, port);
   // Nobody drives the lines of a port where nothing is.
   value = 0xFF;
@@ -96,15 +96,16 @@ bool ReadPortByte(std::uint16_t port, std::uint8_t& value) {
 }
 
 bool ReadPortWord(std::uint16_t port, std::uint16_t& value) {
+  if (CallFails("ReadPortWord")) return false;
   Disks* const disks = ReachableDisks();
   if (disks == nullptr) return false;
-  ++disks->port_reads;
   const Register here = RegisterAt(*disks, port);
   value = here.channel != nullptr && here.number == kData ? NextWord(*here.channel) : 0xFFFF;
   return true;
 }
 
 bool WritePortByte(std::uint16_t port, std::uint8_t value) {
+  if (CallFails("WritePortByte")) return false;
   Disks* const disks = ReachableDisks();
   if (disks == nullptr) return false;
   const Register here = RegisterAt(*disks, port);

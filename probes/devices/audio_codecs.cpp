@@ -46,8 +46,9 @@ bool ListAudioCodecs(RecordArray& codecs) {
   BoundLibrary<kManagerFunctions.size()> manager;
   if (!manager.Bind("MSACM32.DLL", kManagerFunctions)) return false;
   Enumeration enumeration{codecs, manager.Get<DetailsFunction>(1)};
-  return manager.Get<EnumFunction>(0)(AppendCodec, reinterpret_cast<DWORD_PTR>(&enumeration), 0) ==
-         0;
+  const auto enumerate = manager.Get<EnumFunction>(0);
+  return enumerate(AppendCodec, reinterpret_cast<DWORD_PTR>(&enumeration), 0) == 0 &&
+         codecs.complete();
 }
 
 bool WriteAudioCodecs(ItemRun& run) {

@@ -53,7 +53,9 @@ bool WriteCdroms(ItemRun& run) {
     WriteScannedCdroms(run, cdroms);
     return true;
   }
-  if (FindScsiCdroms(run.context, cdroms)) {
+  const bool in_scsi_map = cdroms.complete() && FindScsiCdroms(run.context, cdroms);
+  if (!cdroms.complete()) return WriteFailedList(run.report, kListName);
+  if (in_scsi_map) {
     WriteScsiCdroms(run.report, cdroms);
     return true;
   }

@@ -147,15 +147,17 @@ std::int32_t ScanDeviceClass(const ProbeContext& context, const char* class_name
                              RecordArray& records) {
   if (IsNetworkComponentClass(class_name) || !context.has_setup_api()) return kCannotBeExamined;
   const DeviceClass& device_class = ClassNamed(class_name);
-  const std::int32_t count = ListPresentDevices(context, class_name, device_class, records);
-  if (count != 0 || device_class.list_on_old_nt == nullptr || !IsNt351Or40()) return count;
-  return device_class.list_on_old_nt(records);
+  std::int32_t count = ListPresentDevices(context, class_name, device_class, records);
+  if (count == 0 && device_class.list_on_old_nt != nullptr && IsNt351Or40())
+    count = device_class.list_on_old_nt(records);
+  return records.complete() ? count : kCannotBeExamined;
 }
 
 std::int32_t ScanDeviceClass(const ProbeContext& context, const char* class_name,
                              StringList& descriptions) {
   if (!IsNetworkComponentClass(class_name)) return kCannotBeExamined;
-  return ListNetworkComponents(context, class_name, descriptions);
+  const std::int32_t count = ListNetworkComponents(context, class_name, descriptions);
+  return descriptions.complete() ? count : kCannotBeExamined;
 }
 
 }  // namespace hostscope

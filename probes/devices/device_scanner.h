@@ -35,12 +35,13 @@ struct PortRecord : DeviceRecord {
 // does not count), in the order in which the system enumerates them. The list holds the class's
 // kind of record: CDROM, Net, Modem and Ports have their own, every other class plain device
 // records. The number of records appended, 0 for a class without devices; -1 when the class cannot
-// be examined: the set-up library is not there or gives no set of devices.
+// be examined: the set-up library is not there or gives no set of devices, or there is no memory
+// for a record; those before it are in the list then.
 std::int32_t ScanDeviceClass(const ProbeContext& context, const char* class_name,
                              RecordArray& records);
 
 // The same for the classes of network components, NetClient and NetService, which come from the
-// registry alone: appends their descriptions. -1 when the class is not there.
+// registry alone: appends their descriptions. -1 when the class is not there, and without memory.
 std::int32_t ScanDeviceClass(const ProbeContext& context, const char* class_name,
                              StringList& descriptions);
 

@@ -130,7 +130,9 @@ bool WriteDiskDrives(ItemRun& run) {
     WriteRecords<DiskDriveRecord>(run.report, kListName, drives, WriteIdentified);
     return true;
   }
-  if (FindScsiDisks(run.context, drives)) {
+  const bool in_scsi_map = FindScsiDisks(run.context, drives);
+  if (!drives.complete()) return WriteFailedList(run.report, kListName);
+  if (in_scsi_map) {
     WriteRecords<DiskDriveRecord>(run.report, kListName, drives, WriteScsiDisk);
     return true;
   }

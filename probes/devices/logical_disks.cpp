@@ -146,7 +146,7 @@ bool ListLogicalDisks(const ProbeContext& context, RecordArray& disks) {
     const LogicalDiskRecord disk = ReadDisk(context, root);
     disks.Append(&disk);
   }
-  return true;
+  return disks.complete();
 }
 
 const char* DriveTypeText(std::uint32_t type) {

@@ -10,7 +10,7 @@ namespace hostscope {
 
 // Appends make(capabilities) for each device whose capabilities can be read, in the order of their
 // numbers. The names are those of the function that counts the devices and of the one that tells
-// their capabilities. True when a record was appended; false without the library, too.
+// their capabilities. True when a record was appended; false without the library or memory, too.
 template <typename Capabilities, typename Make>
 bool ListCapabilities(const std::array<const char*, 2>& functions, RecordArray& records,
                       Make make) {
@@ -27,7 +27,7 @@ bool ListCapabilities(const std::array<const char*, 2>& functions, RecordArray& 
     const auto record = make(capabilities);
     any |= records.Append(&record) >= 0;
   }
-  return any;
+  return any && records.complete();
 }
 
 }  // namespace hostscope

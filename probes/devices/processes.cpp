@@ -166,7 +166,7 @@ constexpr NumberField kNtFields[] = {
 };
 
 void WritePriority(ReportWriter& report, std::uint32_t priority_class) {
-  if (priority_class == kUnset) {
+  if (priority_class == ProcessRecord::kUnset) {
     report.WriteFormatted(kTextFieldFormat, "", "Priority", "unknown");
     return;
   }
@@ -228,7 +228,7 @@ bool CollectProcesses(ProbeContext& context, RecordArray& processes) {
           : CollectByToolHelp(listing.tool_help, processes);
   listing.native.Release();
   listing.tool_help.Release();
-  return collected;
+  return collected && processes.complete();
 }
 
 bool WriteProcesses(ItemRun& run) {

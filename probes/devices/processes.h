@@ -8,15 +8,15 @@
 
 namespace hostscope {
 
-inline constexpr std::uint32_t kUnset = 0xFFFFFFFF;
-
 struct ProcessRecord {
+  static constexpr std::uint32_t kUnset = 0xFFFFFFFF;
+
   std::uint32_t id = kUnset;
   char image_name[260] = {};
   std::uint32_t valid = kUnset;  // not 0: it opens for querying
   std::uint32_t priority_class = kUnset;
-  std::uint32_t version =
-      kUnset;  // that the image was built for: major number << 16 | minor number
+  // What the image was built for: major number << 16 | minor number.
+  std::uint32_t version = kUnset;
   // Only NT tells these; sizes in bytes.
   std::uint32_t threads = 0;
   std::uint32_t handles = 0;
@@ -33,7 +33,7 @@ static_assert(sizeof(ProcessRecord) == 304);
 bool LoadProcessFunctions(ProbeContext& context);
 
 // Appends a ProcessRecord for each process, in the system's order. False when the functions are
-// missing or give no list. The functions are released afterwards.
+// missing or give no list, and without memory. The functions are released afterwards.
 bool CollectProcesses(ProbeContext& context, RecordArray& processes);
 
 // Fills `valid`, `version` and `priority_class` of the process with the record's id. The class of a

@@ -105,7 +105,7 @@ bool ListHostAddresses(const ProbeContext& context, const char* host_name, Strin
   return AppendEach(host->h_addr_list, [&](const char* bytes) {
     std::memcpy(&address, bytes, sizeof address);
     const char* const text = text_of(address);
-    return text == nullptr || addresses.Append(text) >= 0;
+    return text != nullptr && addresses.Append(text) >= 0;
   });
 }
 

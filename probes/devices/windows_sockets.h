@@ -27,7 +27,7 @@ bool ReadHostName(ProbeContext& context, std::span<char> text);
 // The host's further names.
 bool ListHostAliases(const ProbeContext& context, const char* host_name, StringList& aliases);
 
-// The host's addresses, as dotted text.
+// The host's addresses, as dotted text; false, too, when the library has no text for one.
 bool ListHostAddresses(const ProbeContext& context, const char* host_name, StringList& addresses);
 
 }  // namespace hostscope

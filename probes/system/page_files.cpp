@@ -51,7 +51,7 @@ bool ReadNtPageFiles(RecordArray& page_files) {
     FormatMegabytes(record.size, FileMegabytes(record.name));
     page_files.Append(&record);
   }
-  return true;
+  return page_files.complete();
 }
 
 // A setting of the section for enhanced mode, cut to the field.

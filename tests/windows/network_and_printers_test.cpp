@@ -33,20 +33,6 @@ std::string Total(const std::string& name, size_t count) {
   return name + " (total " + std::to_string(count) + ")";
 }
 
-// Keys of the local machine that go with the object.
-struct SeededKeys {
-  ~SeededKeys() {
-    for (const std::string& key : keys)
-      RegDeleteTreeA(HKEY_LOCAL_MACHINE, key.c_str());
-  }
-  void Put(const std::string& key,
-           std::initializer_list<std::pair<const char*, std::string>> texts) {
-    keys.push_back(key);
-    PutTexts(key, texts);
-  }
-  std::vector<std::string> keys;
-};
-
 // "Label (total n)" and what the resolver's list holds.
 template <typename Text>
 std::string JoinedLine(const char* label, char** list, Text text) {

@@ -1,5 +1,6 @@
 #include "tests/windows/surroundings.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace drive {
@@ -171,6 +172,24 @@ void PutTexts(const std::string& key,
     RegSetValueExA(made, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
                    static_cast<DWORD>(text.size() + 1));
   RegCloseKey(made);
+}
+
+SeededKeys::~SeededKeys() {
+  for (const std::string& key : made_)
+    RegDeleteTreeA(HKEY_LOCAL_MACHINE, key.c_str());
+}
+
+void SeededKeys::Put(const std::string& key,
+                     std::initializer_list<std::pair<const char*, std::string>> texts) {
+  size_t end = 0;
+  HKEY there = nullptr;
+  do {
+    end = std::min(key.find('\\', end + 1), key.size());
+    if (RegOpenKeyA(HKEY_LOCAL_MACHINE, key.substr(0, end).c_str(), &there) != ERROR_SUCCESS) break;
+    RegCloseKey(there);
+  } while (end != key.size());
+  made_.push_back(key.substr(0, end));
+  PutTexts(key, texts);
 }
 
 Release::Release(const std::string& version)

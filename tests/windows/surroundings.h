@@ -72,6 +72,22 @@ class RegistryValue {
 void PutTexts(const std::string& key,
               std::initializer_list<std::pair<const char*, std::string>> texts);
 
+// Keys of the local machine that go with the object, and with them all that had to be made for
+// them.
+class SeededKeys {
+ public:
+  SeededKeys() = default;
+  ~SeededKeys();
+  SeededKeys(const SeededKeys&) = delete;
+  SeededKeys& operator=(const SeededKeys&) = delete;
+
+  void Put(const std::string& key,
+           std::initializer_list<std::pair<const char*, std::string>> texts);
+
+ private:
+  std::vector<std::string> made_;
+};
+
 // The Windows release that programs named hscope.exe find when they start.
 class Release {
  public:

@@ -116,10 +116,11 @@ const host::Library kCarelessLibrary = {
 TEST(NetworkSection, CarelessLibraries) {
   char name[] = "h", first[] = {10, 0, 0, 1}, second[] = {10, 0, 0, 2};
   char* none[] = {nullptr};
-  char* two[] = {first, second, nullptr};
+  char *one[] = {second, nullptr}, *two[] = {second, first, nullptr};
   const std::pair<hostent, const char*> rows[] = {
       {{name, nullptr, AF_INET, 4, nullptr}, "Host IP (total 0) ||"},
-      {{name, none, AF_INET, 4, two}, "Host IP (total 1) second||"},
+      {{name, none, AF_INET, 4, one}, "Host IP (total 1) second||"},
+      {{name, none, AF_INET, 4, two}, "Host IP ||"},
       {{name, none, AF_INET, 16, two}, "Host IP (total 0) ||"},
       {{name, none, 6, 4, two}, "Host IP (total 0) ||"},
   };
