@@ -1,5 +1,5 @@
-// Stands between hscope.exe and the system's memory, and counts what the program has of the heap and
-// of pages that it asks for itself. Only the program's own calls come here; what the system's
+// Stands between hscope.exe and the system's memory, and counts what the program has of the heap
+// and of pages that it asks for itself. Only the program's own calls come here; what the system's
 // libraries take for themselves is not counted. bench/memory.py reads the figures from the outside.
 #include <windows.h>
 

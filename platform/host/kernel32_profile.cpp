@@ -1,5 +1,5 @@
-// Profiles: reading INI files, private ones and win.ini. On NT the entries of one section of win.ini
-// are in the registry.
+// Profiles: reading INI files, private ones and win.ini. On NT the entries of one section of
+// win.ini are in the registry.
 //
 // Every call reads anew, so that it shows what is there now. Windows 95/98/Me see only the first
 // 32767 bytes of a section of a file; lines that begin beyond are not there for them.
