@@ -63,6 +63,7 @@ void Yield();
 [[noreturn]] void LeaveProcessor();
 void KillOther();
 Steps EndSteps();
+// Whether the timer ticks; waits for the first tick.
 bool TimerRuns();
 [[noreturn]] void Exit(bool success);
 
