@@ -20,6 +20,8 @@ static_assert(sizeof(DosRegisters) == 28);
 
 // The control code for services of interrupt 21h.
 inline constexpr std::uint32_t kDosServices = 1;
+// In EAX: the service of device drivers, which ECX tells in full.
+inline constexpr std::uint32_t kDosGenericIoctl = 0x440D;
 // In the flags after a call: it failed.
 inline constexpr std::uint32_t kDosCarry = 1;
 

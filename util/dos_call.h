@@ -2,12 +2,8 @@
 #pragma once
 
 #include "platform/dos_registers.h"
-#include "util/low_block.h"
 
 namespace hostscope {
-
-// What a DOS register points to.
-using DosBlock = LowBlock;
 
 // Calls interrupt 21h with the registers, which are those after the call then; the carry flag among
 // them says that DOS refused. False when the vwin32 device does not open or refuses.

@@ -13,7 +13,6 @@ namespace {
 
 using hostscope::DosRegisters;
 
-constexpr DWORD kGenericIoctl = 0x440D;
 constexpr DWORD kGetDeviceParameters = 0x4860;
 constexpr DWORD kFindSwapFile = 0x486E;
 constexpr DWORD kInvalidFunction = 1;  // DOS's own code
@@ -48,7 +47,7 @@ bool GetDeviceParameters(const Machine& machine, DosRegisters& registers) {
 }
 
 bool Serve(const Machine& machine, DosRegisters& registers) {
-  if (registers.eax != kGenericIoctl) return false;
+  if (registers.eax != hostscope::kDosGenericIoctl) return false;
   if (registers.ecx == kGetDeviceParameters) return GetDeviceParameters(machine, registers);
   return registers.ecx == kFindSwapFile && FindSwapFile(machine, registers);
 }

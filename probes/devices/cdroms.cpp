@@ -35,14 +35,7 @@ void WriteScsiCdroms(ReportWriter& report_of_run, const RecordArray& cdroms) {
 }  // namespace
 
 bool FindScsiCdroms(const ProbeContext& context, RecordArray& cdroms) {
-  if (!context.is_nt()) return false;
-  bool found = false;
-  FindScsiUnits("CdRomPeripheral", [&](const RegistryValue& identifier) {
-    CdromRecord cdrom = {};
-    identifier.CopyTextTo(cdrom.name);
-    found |= cdroms.Append(&cdrom) >= 0;
-  });
-  return found;
+  return FindScsiUnits<CdromRecord>(context, "CdRomPeripheral", &CdromRecord::name, cdroms);
 }
 
 bool WriteCdroms(ItemRun& run) {

@@ -113,14 +113,7 @@ bool IdentifyIdeDrives(const ProbeContext& context, RecordArray& drives) {
 }
 
 bool FindScsiDisks(const ProbeContext& context, RecordArray& drives) {
-  if (!context.is_nt()) return false;
-  bool found = false;
-  FindScsiUnits("DiskPeripheral", [&](const RegistryValue& identifier) {
-    DiskDriveRecord drive = {};
-    identifier.CopyTextTo(drive.model);
-    found |= drives.Append(&drive) >= 0;
-  });
-  return found;
+  return FindScsiUnits<DiskDriveRecord>(context, "DiskPeripheral", &DiskDriveRecord::model, drives);
 }
 
 bool WriteDiskDrives(ItemRun& run) {

@@ -3,6 +3,7 @@
 #include "platform/disk_control.h"
 #include "util/dos_call.h"
 #include "util/handles.h"
+#include "util/low_block.h"
 #include "util/number_text.h"
 
 namespace hostscope {
@@ -45,16 +46,15 @@ std::uint32_t DriveIndex(const char* drive) {
 }
 
 bool AskDos(const char* drive, const char*& format) {
-  constexpr std::uint32_t kGenericIoctl = 0x440D;
   constexpr std::uint32_t kGetDeviceParameters = 0x4860;
   // More than the service writes.
-  DosBlock parameters(256);
+  LowBlock parameters(256);
   if (!parameters.present()) return false;
   DosRegisters registers = {};
   registers.ebx = DriveIndex(drive) + 1;
   registers.edx = parameters.address();
   registers.ecx = kGetDeviceParameters;
-  registers.eax = kGenericIoctl;
+  registers.eax = kDosGenericIoctl;
   registers.flags = kDosCarry;
   if (!CallDos(registers) || (registers.flags & kDosCarry) != 0) return false;
   format = FormatOfDeviceType(static_cast<std::uint8_t>(parameters.data()[1]));

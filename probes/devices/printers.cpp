@@ -193,9 +193,7 @@ bool WritePrinters(ItemRun& run) {
   RecordArray printers;
   if (!printers.Create(sizeof(PrinterRecord)) ||
       !ListPrinters(run.context, PRINTER_ENUM_LOCAL, printers)) {
-    run.report.WriteText(kListName);
-    run.report.WriteText(kLineEnd);
-    return false;
+    return WriteFailedListUnpadded(run.report, kListName);
   }
   WriteList<PrinterRecord>(run.report, kListName, printers, WritePrinter);
   return true;

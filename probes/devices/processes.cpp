@@ -234,9 +234,7 @@ bool CollectProcesses(ProbeContext& context, RecordArray& processes) {
 bool WriteProcesses(ItemRun& run) {
   RecordArray processes;
   if (!processes.Create(sizeof(ProcessRecord)) || !CollectProcesses(run.context, processes)) {
-    run.report.WriteText(kListName);
-    run.report.WriteText(kLineEnd);
-    return false;
+    return WriteFailedListUnpadded(run.report, kListName);
   }
   WriteList<ProcessRecord>(
       run.report, kListName, processes,

@@ -13,6 +13,12 @@ bool WriteFailedList(ReportWriter& report, const char* list_name) {
   return false;
 }
 
+bool WriteFailedListUnpadded(ReportWriter& report, const char* list_name) {
+  report.WriteText(list_name);
+  report.WriteText(kLineEnd);
+  return false;
+}
+
 void WriteEmptyList(ReportWriter& report, const char* list_name) {
   char label[kListLabelSize];
   FormatListLabel(label, list_name, 0);

@@ -17,6 +17,8 @@ void FormatListLabel(char (&label)[kListLabelSize], const char* list_name, int c
 
 // The line of a list that could not be examined: its name alone. Answers false, as its item does.
 bool WriteFailedList(ReportWriter& report, const char* list_name);
+// The same without the blanks that fill up the label's column.
+bool WriteFailedListUnpadded(ReportWriter& report, const char* list_name);
 
 // The line of a list without entries: its label alone.
 void WriteEmptyList(ReportWriter& report, const char* list_name);

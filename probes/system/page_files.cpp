@@ -4,6 +4,7 @@
 
 #include "util/dos_call.h"
 #include "util/handles.h"
+#include "util/low_block.h"
 #include "util/numbers.h"
 #include "util/registry.h"
 #include "util/text.h"
@@ -64,14 +65,13 @@ void ReadEnhancedModeSetting(const char* key, const char* fallback, std::span<ch
 // Asks DOS for the path and the size of the swap file in use; false, the record as it was, when it
 // does not say.
 bool AskForSwapFile(PageFileRecord& record) {
-  constexpr std::uint32_t kGenericIoctl = 0x440D;
   constexpr std::uint32_t kFindSwapFile = 0x486E;
-  DosBlock name(sizeof record.name);
+  LowBlock name(sizeof record.name);
   if (!name.present()) return false;
   DosRegisters registers = {};
   registers.edx = name.address();
   registers.ecx = kFindSwapFile;
-  registers.eax = kGenericIoctl;
+  registers.eax = kDosGenericIoctl;
   if (!CallDos(registers) || name.data()[0] == '\0') return false;
   CopyText(record.name, name.data());
   const std::uint64_t pages = static_cast<std::uint64_t>(registers.ecx) << 32 | registers.ebx;

@@ -4,6 +4,8 @@
 // finds there, which the program itself never does.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <filesystem>
 #include <memory>
 #include <span>
@@ -36,6 +38,16 @@ std::string Outcome(bool succeeded);
 
 // The bytes with "|" for a zero, and \xHH for what does not print.
 std::string Visible(std::string_view bytes);
+
+// A function of a library, which stays loaded.
+template <typename Function>
+Function FindIn(const char* library, const char* name) {
+  HMODULE const module = LoadLibraryA(library);
+  const auto found =
+      reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(module, name)));
+  EXPECT_NE(nullptr, found) << name;
+  return found;
+}
 
 // A library that is there but not loaded, and a function of it.
 inline constexpr char kSpareLibrary[] = "LZ32.DLL";

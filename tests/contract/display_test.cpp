@@ -9,15 +9,6 @@ namespace {
 
 class DisplayContract : public testing::Test {
  protected:
-  template <typename Function>
-  Function Find(const char* library, const char* name) {
-    HMODULE const module = LoadLibraryA(library);
-    const auto found =
-        reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(module, name)));
-    EXPECT_NE(nullptr, found) << name;
-    return found;
-  }
-
   Place place;
 };
 
@@ -38,7 +29,7 @@ TEST_F(DisplayContract, DeviceContexts) {
 
 TEST_F(DisplayContract, Modes) {
   const auto list =
-      Find<BOOL(WINAPI*)(LPCSTR, DWORD, LPDEVMODEA)>("USER32.DLL", "EnumDisplaySettingsA");
+      FindIn<BOOL(WINAPI*)(LPCSTR, DWORD, LPDEVMODEA)>("USER32.DLL", "EnumDisplaySettingsA");
   DEVMODEA mode = {};
   mode.dmSize = 156;
   DWORD count = 0;
@@ -50,8 +41,8 @@ TEST_F(DisplayContract, Modes) {
 }
 
 TEST_F(DisplayContract, Joysticks) {
-  const auto count = Find<UINT(WINAPI*)()>("WINMM.DLL", "joyGetNumDevs");
-  const auto ask = Find<MMRESULT(WINAPI*)(UINT, LPJOYINFO)>("WINMM.DLL", "joyGetPos");
+  const auto count = FindIn<UINT(WINAPI*)()>("WINMM.DLL", "joyGetNumDevs");
+  const auto ask = FindIn<MMRESULT(WINAPI*)(UINT, LPJOYINFO)>("WINMM.DLL", "joyGetPos");
   ExpectAnswer("slots", 16, count());
   JOYINFO info = {};
   ExpectAnswer("behind the last", JOYERR_PARMS, ask(count(), &info));

@@ -10,25 +10,16 @@
 namespace contract {
 namespace {
 
-template <typename Function>
-Function Find(const char* library, const char* name) {
-  HMODULE const module = LoadLibraryA(library);
-  const auto found =
-      reinterpret_cast<Function>(reinterpret_cast<void (*)()>(GetProcAddress(module, name)));
-  EXPECT_NE(nullptr, found) << name;
-  return found;
-}
-
 constexpr char kSockets[] = "WSOCK32.DLL";
 constexpr char kSpooler[] = "WINSPOOL.DRV";
 
 TEST(SocketsContract, StartAskAndStop) {
   const Place place;
-  const auto start = Find<int(WINAPI*)(WORD, WSADATA*)>(kSockets, "WSAStartup");
-  const auto stop = Find<int(WINAPI*)()>(kSockets, "WSACleanup");
-  const auto host_name = Find<int(WINAPI*)(char*, int)>(kSockets, "gethostname");
-  const auto host_by_name = Find<hostent*(WINAPI*)(const char*)>(kSockets, "gethostbyname");
-  const auto address_text = Find<char*(WINAPI*)(in_addr)>(kSockets, "inet_ntoa");
+  const auto start = FindIn<int(WINAPI*)(WORD, WSADATA*)>(kSockets, "WSAStartup");
+  const auto stop = FindIn<int(WINAPI*)()>(kSockets, "WSACleanup");
+  const auto host_name = FindIn<int(WINAPI*)(char*, int)>(kSockets, "gethostname");
+  const auto host_by_name = FindIn<hostent*(WINAPI*)(const char*)>(kSockets, "gethostbyname");
+  const auto address_text = FindIn<char*(WINAPI*)(in_addr)>(kSockets, "inet_ntoa");
   char name[255] = {};
   ExpectAnswer("stopped before it is started", "10093", Outcome(stop() == 0));
   ExpectAnswer("a name before it is started", "10093", Outcome(host_name(name, 255) == 0),
@@ -64,7 +55,7 @@ struct Answer {
 };
 
 Answer Enumerate(std::string& buffer) {
-  const auto enumerate = Find<BOOL(WINAPI*)(DWORD, char*, DWORD, LPBYTE, DWORD, DWORD*, DWORD*)>(
+  const auto enumerate = FindIn<BOOL(WINAPI*)(DWORD, char*, DWORD, LPBYTE, DWORD, DWORD*, DWORD*)>(
       kSpooler, "EnumPrintersA");
   Answer answer{"", 77, 77};
   const bool done =
@@ -104,10 +95,10 @@ TEST(SpoolerContract, OpenAskAndClose) {
   Place place;
   place.InstallPrinter("Contract", "LPT1:", 0x40);
   const auto open =
-      Find<BOOL(WINAPI*)(char*, HANDLE*, PRINTER_DEFAULTSA*)>(kSpooler, "OpenPrinterA");
-  const auto close = Find<BOOL(WINAPI*)(HANDLE)>(kSpooler, "ClosePrinter");
+      FindIn<BOOL(WINAPI*)(char*, HANDLE*, PRINTER_DEFAULTSA*)>(kSpooler, "OpenPrinterA");
+  const auto close = FindIn<BOOL(WINAPI*)(HANDLE)>(kSpooler, "ClosePrinter");
   const auto get =
-      Find<BOOL(WINAPI*)(HANDLE, DWORD, LPBYTE, DWORD, DWORD*)>(kSpooler, "GetPrinterA");
+      FindIn<BOOL(WINAPI*)(HANDLE, DWORD, LPBYTE, DWORD, DWORD*)>(kSpooler, "GetPrinterA");
   HANDLE printer = nullptr;
   char unknown[] = "No such printer", name[] = "CONTRACT";
   ExpectAnswer("unknown", "1801", Outcome(open(unknown, &printer, nullptr)));
