@@ -94,7 +94,7 @@ def main():
     own = {}
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
-        for file in "hscope_counted.exe", "sample_plugin.dll":
+        for file in "hscope_counted.exe", "sample.dll":
             shutil.copy(build / file, folder)
         shutil.copy(profile, folder / "profile.ini")
         (folder / "none.ini").write_bytes(b"[GENERAL]\r\nReportFileName=none.txt\r\n")

@@ -8,11 +8,11 @@ function(add_plugin name source)
   set(kit ${PROJECT_SOURCE_DIR}/sdk)
   add_custom_command(OUTPUT ${name}.dll
     COMMAND ${CMAKE_COMMAND} -E env CC=${CMAKE_C_COMPILER} ${kit}/build.sh ${source} ${name}.dll
-    DEPENDS ${source} ${kit}/build.sh ${kit}/hscope_plugin.h VERBATIM)
+    DEPENDS ${source} ${kit}/build.sh ${kit}/hsplugin.h VERBATIM)
   add_custom_target(${name} ALL DEPENDS ${name}.dll)
 endfunction()
 
-add_plugin(sample_plugin ${PROJECT_SOURCE_DIR}/sdk/sample_plugin.c)
+add_plugin(sample ${PROJECT_SOURCE_DIR}/sdk/sample.c)
 add_plugin(test_plugin ${PROJECT_SOURCE_DIR}/tests/windows/test_plugin.c)
 
 # What runs beside the exe is ordinary C++ with the runtime linked in.

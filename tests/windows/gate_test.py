@@ -82,7 +82,7 @@ class PlugIns(Table):
     """The sample plug-in, and others with one fault each: a source, options of the kit's build."""
 
     FUNCTION = "WriteConfigurationFiles"
-    SAMPLE, FAULTS = ROOT / "sdk/sample_plugin.c", HERE / "gate_cases/plugin.c"
+    SAMPLE, FAULTS = ROOT / "sdk/sample.c", HERE / "gate_cases/plugin.c"
     CASES = {
         "good": (FAULTS, [], []),
         "dynamic_base": (FAULTS, ["-Wl,--dynamicbase"], ["DllCharacteristics is 0x40"]),
@@ -104,11 +104,11 @@ class PlugIns(Table):
         return output
 
     def test_the_sample_passes_and_is_the_same_elsewhere(self):
-        sample = windows_folder / "sample_plugin.dll"
+        sample = windows_folder / "sample.dll"
         with tempfile.TemporaryDirectory() as folder:
             kit = pathlib.Path(folder) / "kit"
             shutil.copytree(ROOT / "sdk", kit)
-            other = self.build(kit / "sample_plugin.c", kit / "sample_plugin.dll", kit=kit)
+            other = self.build(kit / "sample.c", kit / "sample.dll", kit=kit)
             self.check_findings([sample, "--plugin", self.FUNCTION, "--same", other], [])
         self.assertEqual({i.library for i in pe_file.PeFile(sample.read_bytes()).imports()},
                          {"KERNEL32.dll"})
@@ -120,7 +120,7 @@ class PlugIns(Table):
                 self.check_findings([dll, "--plugin", self.FUNCTION], expected)
 
     def test_without_relocations(self):
-        data = bytearray((windows_folder / "sample_plugin.dll").read_bytes())
+        data = bytearray((windows_folder / "sample.dll").read_bytes())
         header = struct.unpack_from("<I", data, 0x3C)[0] + 24
         data[header - 2] |= 1
         directory = header + 96 + 8 * pe_file.DIRECTORY_RELOCATION

@@ -107,14 +107,14 @@ TEST(ScanKeys, CallForTheFoldersSection) {
 TEST(CustomDlls, WriteIntoTheReport) {
   const Folder folder;
   folder.CopyFromBuild("test_plugin.dll");
-  folder.CopyFromBuild("sample_plugin.dll");
+  folder.CopyFromBuild("sample.dll");
   const std::string by_path = folder.Path("test_plugin.dll");
   std::vector<std::string> list;
   const std::string report = ReportOf(folder,
                                       "[CUSTOM DLLS]\r\ntest_plugin.dll,Succeeds\r\n" + by_path +
                                           ",Fails\r\ntest_plugin.dll,Neither\r\ntest_plugin.dll\r\n"
                                           "no_plugin.dll,Succeeds\r\n"
-                                          "sample_plugin.dll,WriteConfigurationFiles\r\n",
+                                          "sample.dll,WriteConfigurationFiles\r\n",
                                       {}, &list);
   const std::vector<std::string> expected = {"Custom dlls:",
                                              ProgressLine("test_plugin.dll...", "Ok"),
@@ -122,7 +122,7 @@ TEST(CustomDlls, WriteIntoTheReport) {
                                              ProgressLine("test_plugin.dll...", "NoFunc"),
                                              ProgressLine("test_plugin.dll...", "NoFunc"),
                                              ProgressLine("no_plugin.dll...", "Absent"),
-                                             ProgressLine("sample_plugin.dll...", "Ok"),
+                                             ProgressLine("sample.dll...", "Ok"),
                                              "",
                                              kLastLine};
   EXPECT_EQ(list, expected);

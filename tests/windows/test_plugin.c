@@ -1,7 +1,7 @@
 /* The tests' own plug-in: one export for each thing that can become of a call. */
 #include <windows.h>
 
-#include "hscope_plugin.h"
+#include "hsplugin.h"
 
 static void Write(HANDLE report, const char* text, DWORD length) {
   DWORD written;

@@ -18,7 +18,7 @@ constexpr char kLists[] =
     "[REGISTRY KEYS]\r\nHKCU\\Software\\Hostscope whole\r\nHKCU\\Software\\Hostscope none,1\r\n"
     "[SCAN KEYS]\r\nHKCU\\Software\\Hostscope whole,0,1\r\n"
     "[FOLDERS]\r\nC:\\nosuch\r\n"
-    "[CUSTOM DLLS]\r\nnosuch.dll,Write\r\nsample_plugin.dll,WriteConfigurationFiles\r\n";
+    "[CUSTOM DLLS]\r\nnosuch.dll,Write\r\nsample.dll,WriteConfigurationFiles\r\n";
 constexpr char kKey[] = "Software\\Hostscope whole";
 
 // Whether the line is the pattern with something for each "*" of it.
@@ -75,7 +75,7 @@ class WholeReport : public EveryRelease {};
 
 TEST_P(WholeReport, IsAsKept) {
   const Folder folder;
-  for (const char* name : {"v_both.dll", "sample_plugin.dll"})
+  for (const char* name : {"v_both.dll", "sample.dll"})
     folder.CopyFromBuild(name);
   folder.MakeFolder("Data");
   folder.Write("Data\\One.txt", "three");

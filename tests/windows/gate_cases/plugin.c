@@ -1,7 +1,7 @@
 /* The smallest plug-in that the gate lets pass; each option adds a fault. */
 #include <windows.h>
 
-#include "hscope_plugin.h"
+#include "hsplugin.h"
 
 #ifdef SECOND_EXPORT
 HSCOPE_PLUGIN_EXPORT Second(HANDLE report) {

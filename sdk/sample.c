@@ -4,11 +4,11 @@
  *                                C:\WINDOWS\SYSTEM.INI     2104 b
  *                                C:\AUTOEXEC.BAT           0 b
  *
- * In a profile: sample_plugin.dll,WriteConfigurationFiles
+ * In a profile: sample.dll,WriteConfigurationFiles
  *
  * It needs nothing but KERNEL32, so that it runs wherever Hostscope does.
  */
-#include "hscope_plugin.h"
+#include "hsplugin.h"
 
 #include <windows.h>
 
