@@ -3,13 +3,13 @@
 #
 #   tools/setup.sh             install every group that is missing
 #   tools/setup.sh has GROUP   ask, in silence, whether a group is there: native, fuzz, cross, wine,
-#                              display, emulator
+#                              display, emulator, lint
 #
 # Only the native group is a must: the exit code is non-zero when it can't be had. A machine without
 # one of the others builds and tests less, and is told so.
 set -euo pipefail
 
-readonly all_groups=(native fuzz cross wine display emulator)
+readonly all_groups=(native fuzz cross wine display emulator lint)
 
 declare -rA purpose=(
   [native]="building and testing the Linux program"
@@ -18,6 +18,7 @@ declare -rA purpose=(
   [wine]="running hscope.exe"
   [display]="pressing keys in hscope.exe and taking its picture"
   [emulator]="trying the way to controller ports of hscope.exe on emulated hardware"
+  [lint]="the static checks of the sources"
 )
 
 declare -rA packages=(
@@ -27,6 +28,7 @@ declare -rA packages=(
   [wine]="wine wine32:i386 xvfb fonts-wine fonts-dejavu-core"
   [display]="xdotool imagemagick"
   [emulator]="qemu-system-x86"
+  [lint]="clang-tidy cppcheck shellcheck"
 )
 
 have() {
@@ -57,6 +59,8 @@ has_wine() {
 has_display() { have xdotool import && import -version 2>/dev/null | grep -q ImageMagick; }
 
 has_emulator() { have qemu-system-i386; }
+
+has_lint() { have clang-tidy cppcheck shellcheck; }
 
 say() { printf 'setup: %s\n' "$*"; }
 
