@@ -20,8 +20,8 @@ target_include_directories(hostscope PUBLIC ${PROJECT_SOURCE_DIR})
 target_link_libraries(hostscope PUBLIC Threads::Threads)
 if(HOSTSCOPE_SANITIZE)
   # The plain build goes without, and so finds what a source forgets to include.
-  target_precompile_headers(hostscope PRIVATE <filesystem> <functional> <map> <memory> <string>
-                            <vector>)
+  target_precompile_headers(hostscope PRIVATE <algorithm> <chrono> <filesystem> <functional> <map>
+                            <memory> <mutex> <string> <vector> platform/win32.h)
 endif()
 
 add_executable(hscope platform/host/main.cpp)
