@@ -5,8 +5,7 @@
 
 Beside it lies its SHA-256 (hscope-VERSION.zip.sha256), which is also printed. The same sources and
 the same build give the same bytes, whoever makes them, when and where. ./package builds, and calls
-this.
-Exit code: 0, 1 with one line on standard error when there is no package.
+this. Exit code: 0, 1 with one line on standard error when there is no package.
 """
 import datetime
 import hashlib
