@@ -68,6 +68,12 @@ add_windows_test(windows.contract ${PROJECT_SOURCE_DIR}/tools/under_wine.sh
                  ${WINDOWS_FOLDER}/contract_tests.exe)
 add_windows_test(windows.exe ${PROJECT_SOURCE_DIR}/tools/under_wine.sh
                  ${WINDOWS_FOLDER}/exe_tests.exe)
+set(PACKAGE_TEST Python3::Interpreter ${PROJECT_SOURCE_DIR}/tests/package/package_test.py)
+add_windows_test(windows.package ${PACKAGE_TEST} Package Pages)
+add_windows_test(windows.packaged_profiles ${PACKAGE_TEST} UnderWine)
+# Each makes the package, and so enters the build for Windows.
+set_tests_properties(windows.package windows.packaged_profiles PROPERTIES
+                     RESOURCE_LOCK windows_build)
 # In a first run nothing else tells that these take longest, and so have to begin early.
 set_tests_properties(windows.exe PROPERTIES COST 130)
 set_tests_properties(windows.gate PROPERTIES COST 50)
