@@ -71,6 +71,10 @@ TEST(Registry, RemovingAndAddingAmongFewAndMany) {
     for (int i = 0; i < count; ++i) {
       EXPECT_EQ(root->subkeys.Find("KEY" + std::to_string(i)) != nullptr, i % 2 == 1) << count;
     }
+    for (int i = 0; i < 1000; ++i) {
+      registry.MakeKey("HKLM\\Other");
+      EXPECT_TRUE(registry.RemoveKey("HKLM\\other")) << count;
+    }
     for (int i = 0; i < count; ++i)
       registry.MakeKey(path(i));
     EXPECT_EQ(root->subkeys.size(), static_cast<std::size_t>(count));
