@@ -38,6 +38,11 @@ TEST(Registry, SomeHivesAreViewsOnOthers) {
   EXPECT_NE(Find(registry, Hive::kLocalMachine, "Software\\Classes\\.TXT"), nullptr);
   EXPECT_NE(Find(registry, Hive::kUsers, "S-1-5-21-1\\Software"), nullptr);
   EXPECT_EQ(Find(registry, Hive::kUsers, ".DEFAULT"), nullptr);
+  registry.MakeKey("HKCC\\a");
+  registry.MakeKey("HKEY_DYN_DATA\\b");
+  EXPECT_EQ(SubkeyNames(*registry.Root(Hive::kCurrentConfig), false),
+            std::vector<std::string>{"a"});
+  EXPECT_EQ(SubkeyNames(*registry.Root(Hive::kDynData), false), std::vector<std::string>{"b"});
 }
 
 TEST(Registry, OrderOfSubkeys) {
