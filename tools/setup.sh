@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # Brings a machine what building, testing and running Hostscope needs; what is there already is left alone.
 #
-#   tools/setup.sh                  install every group that is missing
+#   tools/setup.sh                  install every group that is missing, but for `coverage`
 #   tools/setup.sh need GROUP...    install these groups where they are missing
 #   tools/setup.sh has GROUP        ask, in silence, whether a group is there: native, fuzz, cross,
-#                                   package, wine, display, emulator
+#                                   package, wine, display, emulator, coverage
 #
 # The exit code is non-zero when a group that is needed can't be had. Without `need` only the native group
 # is: a machine without one of the others builds and tests less, and is told so.
@@ -20,6 +20,7 @@ declare -rA purpose=(
   [wine]="running hscope.exe"
   [display]="pressing keys in hscope.exe and taking its picture"
   [emulator]="trying the way to controller ports of hscope.exe on emulated hardware"
+  [coverage]="telling which lines the tests run"
 )
 
 declare -rA packages=(
@@ -30,6 +31,7 @@ declare -rA packages=(
   [wine]="wine wine32:i386 xvfb fonts-wine fonts-dejavu-core"
   [display]="xdotool imagemagick"
   [emulator]="qemu-system-x86"
+  [coverage]="gcovr"
 )
 
 have() {
@@ -62,6 +64,8 @@ has_wine() {
 has_display() { have xdotool import && import -version 2>/dev/null | grep -q ImageMagick; }
 
 has_emulator() { have qemu-system-i386; }
+
+has_coverage() { have gcovr; }
 
 say() { printf 'setup: %s\n' "$*"; }
 
