@@ -38,6 +38,18 @@ add_test(NAME rooms COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/tests/roo
 add_test(NAME rooms_check_finds_faults
          COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/tests/rooms_check_test.py)
 
+# The static checks, each skipped by name where its tool is missing. The one with clang-tidy takes a
+# minute and a half of one core when nothing is known yet, so it begins early.
+foreach(part IN ITEMS tidy cppcheck shellcheck layout)
+  add_test(NAME lint.${part} COMMAND ${PROJECT_SOURCE_DIR}/tools/lint.sh ${part})
+  set_tests_properties(lint.${part} PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 600
+                       ENVIRONMENT HOSTSCOPE_LINT_JOBS=1)
+endforeach()
+set_tests_properties(lint.tidy PROPERTIES COST 90)
+add_test(NAME lint.finds_faults COMMAND Python3::Interpreter
+         ${PROJECT_SOURCE_DIR}/tests/lint_test.py ${PROJECT_SOURCE_DIR}/tools/lint.sh)
+set_tests_properties(lint.finds_faults PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 120)
+
 # The Linux program as a user starts it.
 add_test(NAME linux_program
          COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/tests/program/linux_program_test.py

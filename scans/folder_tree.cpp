@@ -283,6 +283,7 @@ FolderPath ReadPathFromRegistry(const RegistryPath& place) {
   FolderPath path{value.AsText()};
   if (!path.text.present()) return {{}, kNoPathMemory};
   const std::size_t length = TextLength(path.text.c_str());
+  // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): the text is not empty
   if (path.text.c_str()[length - 1] == '\\') path.text.data()[length - 1] = '\0';
   return path;
 }

@@ -4,13 +4,13 @@
 #   tools/setup.sh                  install every group that is missing, but for `coverage`
 #   tools/setup.sh need GROUP...    install these groups where they are missing
 #   tools/setup.sh has GROUP        ask, in silence, whether a group is there: native, fuzz, cross,
-#                                   package, wine, display, emulator, coverage
+#                                   package, wine, display, emulator, lint, coverage
 #
 # The exit code is non-zero when a group that is needed can't be had. Without `need` only the native group
 # is: a machine without one of the others builds and tests less, and is told so.
 set -euo pipefail
 
-readonly all_groups=(native fuzz cross package wine display emulator)
+readonly all_groups=(native fuzz cross package wine display emulator lint)
 
 declare -rA purpose=(
   [native]="building and testing the Linux program"
@@ -20,6 +20,7 @@ declare -rA purpose=(
   [wine]="running hscope.exe"
   [display]="pressing keys in hscope.exe and taking its picture"
   [emulator]="trying the way to controller ports of hscope.exe on emulated hardware"
+  [lint]="the static checks of the sources"
   [coverage]="telling which lines the tests run"
 )
 
@@ -31,6 +32,7 @@ declare -rA packages=(
   [wine]="wine wine32:i386 xvfb fonts-wine fonts-dejavu-core"
   [display]="xdotool imagemagick"
   [emulator]="qemu-system-x86"
+  [lint]="clang-tidy cppcheck shellcheck"
   [coverage]="gcovr"
 )
 
@@ -65,6 +67,7 @@ has_display() { have xdotool import && import -version 2>/dev/null | grep -q Ima
 
 has_emulator() { have qemu-system-i386; }
 
+has_lint() { have clang-tidy cppcheck shellcheck; }
 has_coverage() { have gcovr; }
 
 say() { printf 'setup: %s\n' "$*"; }

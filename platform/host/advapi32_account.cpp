@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <optional>
@@ -132,7 +133,7 @@ BOOL WINAPI GetTokenInformation(HANDLE handle, TOKEN_INFORMATION_CLASS informati
   BYTE* const sid_in_buffer = static_cast<BYTE*>(buffer) + sizeof(TOKEN_USER);
   const TOKEN_USER user = {{sid_in_buffer, 0}};
   std::memcpy(buffer, &user, sizeof(user));
-  std::memcpy(sid_in_buffer, sid.data(), sid.size());
+  std::copy(sid.begin(), sid.end(), sid_in_buffer);
   return TRUE;
 }
 

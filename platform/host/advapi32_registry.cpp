@@ -99,7 +99,8 @@ LONG CheckSubkeyPath(HKEY key, bool is_nt, std::string_view path) {
   if (!path.starts_with('\\')) return ERROR_SUCCESS;
   if (!is_nt) return ERROR_FILE_NOT_FOUND;
   const bool classes = PredefinedHive(key) == Hive::kClassesRoot;
-  return classes && !path.starts_with("\\\\") ? ERROR_SUCCESS : ERROR_BAD_PATHNAME;
+  if (classes && !path.starts_with("\\\\")) return ERROR_SUCCESS;
+  return ERROR_BAD_PATHNAME;
 }
 
 // Copies a name with its final zero. The size counts the zero before and does not count it after;
@@ -198,7 +199,8 @@ LONG WINAPI RegCloseKey(HKEY key) {
   if (host::PredefinedHive(key)) return ERROR_SUCCESS;
   host::HandleTable& handles = host::CurrentMachine().handles;
   if (handles.FindAs<host::OpenKey>(host::HandleValue(key)) == nullptr) return ERROR_INVALID_HANDLE;
-  return handles.Close(host::HandleValue(key)) ? ERROR_SUCCESS : ERROR_INVALID_HANDLE;
+  if (!handles.Close(host::HandleValue(key))) return ERROR_INVALID_HANDLE;
+  return ERROR_SUCCESS;
 }
 
 LONG WINAPI RegQueryValueExA(HKEY key, LPCSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data,

@@ -80,7 +80,7 @@ std::optional<std::string> QuotedText(string_view quoted) {
 }
 
 std::string ReadValue(string_view value, LocalTime& field) {
-  const std::string malformed = "the value is no time of the form 2002-03-07 09:05:00.000";
+  const char* const malformed = "the value is no time of the form 2002-03-07 09:05:00.000";
   WORD* const parts[] = {&field.year,   &field.month,  &field.day,         &field.hour,
                          &field.minute, &field.second, &field.milliseconds};
   const char stops[] = {'-', '-', ' ', ':', ':', '.', '\0'};

@@ -55,10 +55,19 @@ std::string ReadValue(std::string_view value, std::string& field);
 std::string ReadValue(std::string_view value, std::optional<std::string>& field);
 std::string ReadValue(std::string_view value, LocalTime& field);
 
+template <typename Record>
+Record& FieldOf(Record& record) {
+  return record;
+}
+template <typename Record, typename Member, typename... Members>
+auto& FieldOf(Record& record, Member member, Members... members) {
+  return FieldOf(record.*member, members...);
+}
+
 // The reader of a plain field: the members on the way to it, from the machine's own on.
 template <auto... members>
 std::string Read(Machine& machine, std::string_view, std::string_view value) {
-  return ReadValue(value, (machine.*....*members));
+  return ReadValue(value, FieldOf(machine, members...));
 }
 
 }  // namespace host

@@ -14,8 +14,8 @@ constexpr std::int64_t kSecondsPerDay = 86400;
 
 std::uint64_t StepsOf(const LocalTime& time) {
   const sys_days day = std::chrono::year(time.year) / time.month / time.day;
-  const std::int64_t seconds = day.time_since_epoch().count() * kSecondsPerDay + time.hour * 3600 +
-                               time.minute * 60 + time.second;
+  const int seconds_of_day = (time.hour * 60 + time.minute) * 60 + time.second;
+  const std::int64_t seconds = day.time_since_epoch().count() * kSecondsPerDay + seconds_of_day;
   return static_cast<std::uint64_t>((seconds + kSecondsFrom1601To1970) * kStepsPerSecond +
                                     time.milliseconds * (kStepsPerSecond / 1000));
 }

@@ -17,8 +17,9 @@ std::string Expand(std::string_view text) {
   std::string expanded;
   while (!text.empty()) {
     const std::size_t begin = text.find('%');
-    const std::size_t end = begin == text.npos ? text.npos : text.find('%', begin + 1);
-    if (end == text.npos) return expanded.append(text);
+    const std::size_t end =
+        begin == std::string_view::npos ? std::string_view::npos : text.find('%', begin + 1);
+    if (end == std::string_view::npos) return expanded.append(text);
     const auto variable = environment.find(std::string(text.substr(begin + 1, end - begin - 1)));
     const bool known = variable != environment.end();
     expanded += text.substr(0, known ? begin : end + 1);

@@ -125,7 +125,7 @@ int WINAPI GetLocaleInfoA(LCID locale, LCTYPE type, LPSTR buffer, int size) {
     SetLastError(ERROR_INSUFFICIENT_BUFFER);
     return 0;
   }
-  std::memcpy(buffer, text->c_str(), text->size() + 1);
+  std::memcpy(buffer, text->c_str(), static_cast<std::size_t>(needed));
   return needed;
 }
 

@@ -172,7 +172,7 @@ std::string ReadPlugIn(Machine& machine, string_view key, string_view value) {
     return "the key is no library and function with a comma between them";
   }
   PlugIn plug_in;
-  const std::string reason = ReadValue(TakeItem(value, ' '), plug_in.succeeds);
+  std::string reason = ReadValue(TakeItem(value, ' '), plug_in.succeeds);
   if (!reason.empty()) return reason;
   while (value.starts_with(' '))
     value.remove_prefix(1);
@@ -217,7 +217,7 @@ std::string ReadDllVersion(Machine& machine, string_view key, string_view value)
 std::string ReadFileTime(Machine& machine, string_view key, string_view value) {
   if (key != "*" && key.substr(1, 2) != ":\\") return "the key is neither a full path nor \"*\"";
   LocalTime time;
-  const std::string reason = ReadValue(value, time);
+  std::string reason = ReadValue(value, time);
   if (reason.empty()) machine.files.StateWriteTime(key, StepsOf(time));
   return reason;
 }

@@ -139,6 +139,7 @@ std::string CommandLine(const std::vector<std::string>& given, const fs::path& c
 // The drives of a described machine are only read, so its user's folders are those of whoever runs
 // the program, unless the machine states others.
 void StateOwnFolders(Machine& machine) {
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing here sets a variable
   const char* const home = std::getenv("HOME");
   if (home == nullptr) return;
   const std::pair<int, const char*> folders[] = {{CSIDL_DESKTOPDIRECTORY, "Desktop"},

@@ -56,7 +56,7 @@ std::optional<std::string> SecurityIdAt(const void* record) {
   const auto* const bytes = static_cast<const char*>(record);
   const auto count = static_cast<unsigned char>(bytes[1]);
   if (bytes[0] != kRevision || count > kMostSubAuthorities) return std::nullopt;
-  return std::string(bytes, kHeaderSize + 4u * count);
+  return std::string(bytes, kHeaderSize + std::size_t{4} * count);
 }
 
 }  // namespace host

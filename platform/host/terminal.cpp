@@ -1,7 +1,7 @@
 #include "platform/host/terminal.h"
 
 #include <poll.h>
-#include <signal.h>
+#include <signal.h>  // NOLINT(modernize-deprecated-headers): the system's, which has more
 #include <sys/eventfd.h>
 #include <sys/ioctl.h>
 #include <sys/signalfd.h>

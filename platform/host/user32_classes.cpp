@@ -84,6 +84,7 @@ class ClassValue {
  private:
   template <typename Member>
   void Bind(Member& member) {
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): of a pointer among the members the pointer's size
     static_assert(sizeof(Member) == sizeof(ULONG_PTR));
     place_ = &member;
   }

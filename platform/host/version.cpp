@@ -46,7 +46,7 @@ std::string FindFile(const Machine& machine, const std::string& name) {
   const std::size_t end = std::min(program.find_last_of("\\/"), program.size());
   for (const std::string& folder :
        {program.substr(0, end), std::string("."), machine.system_folder, machine.windows_folder}) {
-    const std::string path = folder + "\\" + name;
+    std::string path = folder + "\\" + name;
     if (!folder.empty() && IsFile(machine.files, path)) return path;
   }
   return name;

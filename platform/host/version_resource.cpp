@@ -44,7 +44,7 @@ class ProgramFile {
 
   // The address of the resources; 0 when there are none.
   std::uint32_t ResourceAddress() const {
-    constexpr std::uint32_t kResourceDirectory = 2;
+    constexpr std::uint64_t kResourceDirectory = 2;
     const std::uint64_t directories = Directories();
     if (bytes_.Number(directories - 4) <= kResourceDirectory) return 0;
     return bytes_.Number(directories + 8 * kResourceDirectory);

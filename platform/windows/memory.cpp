@@ -59,6 +59,7 @@ std::size_t strlen(const char* text) {
 }
 
 // Stands in the tables of classes with pure functions; a call of it is an error of the program.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the compiler calls it so
 [[noreturn]] void __cxa_pure_virtual();
 void __cxa_pure_virtual() {
   ExitProcess(0);
@@ -78,12 +79,14 @@ void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
   return HeapAlloc(GetProcessHeap(), 0, size);
 }
 
+// NOLINTBEGIN(misc-new-delete-overloads): there is no plain operator new, which could only throw
 void operator delete(void* block) noexcept {
   if (block != nullptr) HeapFree(GetProcessHeap(), 0, block);
 }
 void operator delete[](void* block) noexcept {
   operator delete(block);
 }
+// NOLINTEND(misc-new-delete-overloads)
 void operator delete(void* block, std::size_t) noexcept {
   operator delete(block);
 }
