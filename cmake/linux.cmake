@@ -24,7 +24,7 @@ if(HOSTSCOPE_SANITIZE)
                             <vector>)
 endif()
 
-add_executable(hscope platform/host/main.cpp)
+add_executable(hscope linux/main.cpp)
 target_link_libraries(hscope PRIVATE hostscope)
 
 if(HOSTSCOPE_SANITIZE)
