@@ -30,7 +30,7 @@ if(HOSTSCOPE_SANITIZE)
                             <vector>)
 endif()
 
-add_executable(hscope platform/host/main.cpp)
+add_executable(hscope linux/main.cpp)
 target_link_libraries(hscope PRIVATE hostscope)
 if(HOSTSCOPE_COVERAGE)
   target_compile_options(hscope PRIVATE --coverage -fprofile-update=atomic)

@@ -18,7 +18,7 @@ function(add_native_tests name)
 endfunction()
 
 file(GLOB PROGRAM_TESTS CONFIGURE_DEPENDS tests/util/*.cpp tests/profile/*.cpp tests/report/*.cpp
-     tests/probes/*/*.cpp tests/scans/*.cpp tests/delivery/*.cpp tests/app/*.cpp
+     tests/probes/*/*.cpp tests/scans/*.cpp tests/delivery/*.cpp tests/app/*.cpp tests/linux/*.cpp
      tests/support/*.cpp tests/reports/*.cpp)
 file(GLOB LAYER_TESTS CONFIGURE_DEPENDS tests/platform/host/*.cpp)
 file(GLOB CONTRACT_TESTS CONFIGURE_DEPENDS tests/contract/*.cpp)
