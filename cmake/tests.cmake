@@ -18,7 +18,7 @@ function(add_native_tests name)
 endfunction()
 
 file(GLOB PROGRAM_TESTS CONFIGURE_DEPENDS tests/util/*.cpp tests/profile/*.cpp tests/report/*.cpp
-     tests/probes/*/*.cpp tests/scans/*.cpp tests/delivery/*.cpp tests/app/*.cpp
+     tests/probes/*/*.cpp tests/scans/*.cpp tests/delivery/*.cpp tests/app/*.cpp tests/linux/*.cpp
      tests/support/*.cpp tests/reports/*.cpp)
 file(GLOB LAYER_TESTS CONFIGURE_DEPENDS tests/platform/host/*.cpp)
 file(GLOB CONTRACT_TESTS CONFIGURE_DEPENDS tests/contract/*.cpp)
@@ -80,6 +80,12 @@ add_windows_test(windows.contract ${PROJECT_SOURCE_DIR}/tools/under_wine.sh
                  ${WINDOWS_FOLDER}/contract_tests.exe)
 add_windows_test(windows.exe ${PROJECT_SOURCE_DIR}/tools/under_wine.sh
                  ${WINDOWS_FOLDER}/exe_tests.exe)
+set(PACKAGE_TEST Python3::Interpreter ${PROJECT_SOURCE_DIR}/tests/package/package_test.py)
+add_windows_test(windows.package ${PACKAGE_TEST} Package Pages)
+add_windows_test(windows.packaged_profiles ${PACKAGE_TEST} UnderWine)
+# Each makes the package, and so enters the build for Windows.
+set_tests_properties(windows.package windows.packaged_profiles PROPERTIES
+                     RESOURCE_LOCK windows_build)
 # In a first run nothing else tells that these take longest, and so have to begin early.
 set_tests_properties(windows.exe PROPERTIES COST 130)
 set_tests_properties(windows.gate PROPERTIES COST 50)

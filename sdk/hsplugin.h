@@ -6,13 +6,21 @@
  *     [CUSTOM DLLS]
  *     inventory.dll,WriteInventory
  *
- * Each line loads the library, calls the function once and unloads the library again. What the
- * function writes stands in the report's last section, ADDITIONAL INFORMATION, right after what the
- * plug-in before it has written. The dialog shows the library's name with "Ok", "Failed" (the
- * function said so), "NoFunc" (there is no such function) or "Absent" (the library cannot be
- * loaded).
+ * What stands before the last comma goes to LoadLibraryA as it is written: a path, or the name of a
+ * library that lies beside hscope.exe or where else the system finds it. What stands behind it is
+ * the name of the function, with its case.
  *
- * For C and C++. See README.md for how a plug-in is built.
+ * Each line loads the library, calls the function once and unloads the library again; the same
+ * library may stand in several lines. What the functions write stands in the report's last section,
+ * ADDITIONAL INFORMATION, in the order of the lines and with nothing in between. The dialog shows
+ * the library's name with
+ *
+ *     Ok       the function returned something other than 0
+ *     Failed   it returned 0; what it has written stays in the report
+ *     NoFunc   the library has no such function, or the line has no comma
+ *     Absent   the library cannot be loaded
+ *
+ * For C and C++, and for 32-bit libraries alone. README tells how a plug-in is built and tested.
  */
 #ifndef HSCOPE_PLUGIN_H
 #define HSCOPE_PLUGIN_H
@@ -20,25 +28,33 @@
 /* The version of what is described here. */
 #define HSCOPE_PLUGIN_VERSION 1
 
-/* What the function answers: one byte, other than 0 when its information was written. */
+/* What the function answers: one byte, other than 0 when its information was written. The other
+ * bytes of the register that it comes in are not looked at. */
 typedef unsigned char HscopePluginResult;
 #define HSCOPE_PLUGIN_FAILED ((HscopePluginResult)0)
 #define HSCOPE_PLUGIN_OK ((HscopePluginResult)1)
 
-/* The function. `report` is the open report file (a HANDLE), positioned behind everything that was
- * written so far. Nothing else is handed over.
+/* The function, by the C calling convention: the caller takes the argument off the stack again.
+ *
+ * `report` is the open report file, a HANDLE of Windows that can be written to, positioned behind
+ * everything that was written so far. Nothing else is handed over.
  *
  * The function
  *   - writes its text with WriteFile at the current position, in the system's 8-bit code page, and
  *     leaves the position behind its last byte;
  *   - ends every line with "\r\n", its last one too;
- *   - does not close the handle and does not keep it;
+ *   - does not close the handle, keep it, or move its position backwards;
  *   - returns when it is done: the report waits for it;
+ *   - leaves no thread, timer or hook behind: the library is unloaded after the call;
  *   - shows nothing, since nobody may sit before the screen.
  *
- * It is called on the thread that writes the report, which is not the dialog's, and never twice at
- * a time. The current folder is that of the program; another one that the function sets ends with
- * the call. Some systems give this thread a small stack, so large buffers belong on the heap.
+ * It is called on the thread that writes the report, which is not the dialog's and has no message
+ * loop, and never twice at a time; nobody else writes to the report meanwhile. The current folder
+ * is that of the program; another one that the function sets ends with the call. Some systems give
+ * this thread a small stack (128 KB or less), so large buffers belong on the heap.
+ *
+ * Nothing is guarded: a function that faults ends the program, and one that breaks these rules
+ * spoils the report.
  */
 typedef HscopePluginResult(__cdecl* HscopePluginFunction)(void* report);
 

@@ -16,6 +16,8 @@
 #define LABEL_WIDTH 27
 #define PATH_WIDTH 26
 
+#define COUNT(array) (sizeof(array) / sizeof *(array))
+
 /* One line, put together from the left. What does not fit is left out. */
 typedef struct {
   char text[2 * MAX_PATH];
@@ -85,15 +87,16 @@ HSCOPE_PLUGIN_EXPORT WriteConfigurationFiles(HANDLE report) {
                                         "\\BOOT.INI"};
   const char* label = "Configuration files";
   char folder[MAX_PATH];
-  int i;
+  DWORD i;
   const DWORD length = GetWindowsDirectoryA(folder, sizeof folder);
 
-  /* "C:\WINDOWS": the root is what stands before the first backslash. */
+  /* "C:\WINDOWS": the root is what stands before the first backslash. Without a drive there is
+   * none, and the line of the plug-in shows "Failed". */
   if (length < 3 || length >= sizeof folder || folder[1] != ':') return HSCOPE_PLUGIN_FAILED;
-  for (i = 0; i < 2; ++i) {
+  for (i = 0; i < COUNT(in_windows); ++i) {
     if (!WriteFileLine(report, &label, folder, length, in_windows[i])) return HSCOPE_PLUGIN_FAILED;
   }
-  for (i = 0; i < 4; ++i) {
+  for (i = 0; i < COUNT(in_root); ++i) {
     if (!WriteFileLine(report, &label, folder, 2, in_root[i])) return HSCOPE_PLUGIN_FAILED;
   }
   return HSCOPE_PLUGIN_OK;

@@ -1,34 +1,39 @@
 #!/usr/bin/env bash
 # Brings a machine what building, testing and running Hostscope needs; what is there already is left alone.
 #
-#   tools/setup.sh             install every group that is missing
-#   tools/setup.sh has GROUP   ask, in silence, whether a group is there: native, fuzz, cross, wine,
-#                              display, emulator, lint
+#   tools/setup.sh                  install every group that is missing, but for `coverage`
+#   tools/setup.sh need GROUP...    install these groups where they are missing
+#   tools/setup.sh has GROUP        ask, in silence, whether a group is there: native, fuzz, cross,
+#                                   package, wine, display, emulator, lint, coverage
 #
-# Only the native group is a must: the exit code is non-zero when it can't be had. A machine without
-# one of the others builds and tests less, and is told so.
+# The exit code is non-zero when a group that is needed can't be had. Without `need` only the native group
+# is: a machine without one of the others builds and tests less, and is told so.
 set -euo pipefail
 
-readonly all_groups=(native fuzz cross wine display emulator lint)
+readonly all_groups=(native fuzz cross package wine display emulator lint)
 
 declare -rA purpose=(
   [native]="building and testing the Linux program"
   [fuzz]="running the fuzz targets"
   [cross]="building hscope.exe"
+  [package]="turning the handbook's pages into texts for the package"
   [wine]="running hscope.exe"
   [display]="pressing keys in hscope.exe and taking its picture"
   [emulator]="trying the way to controller ports of hscope.exe on emulated hardware"
   [lint]="the static checks of the sources"
+  [coverage]="telling which lines the tests run"
 )
 
 declare -rA packages=(
   [native]="g++ cmake ninja-build libgtest-dev libgmock-dev python3 clang-format git"
   [fuzz]="clang libclang-rt-dev"
   [cross]="g++-mingw-w64-i686-posix"
+  [package]="pandoc"
   [wine]="wine wine32:i386 xvfb fonts-wine fonts-dejavu-core"
   [display]="xdotool imagemagick"
   [emulator]="qemu-system-x86"
   [lint]="clang-tidy cppcheck shellcheck"
+  [coverage]="gcovr"
 )
 
 have() {
@@ -47,6 +52,8 @@ has_fuzz() { have clang++ && [[ -n $(find "$(clang++ -print-resource-dir)" -name
 
 has_cross() { have i686-w64-mingw32-g++-posix i686-w64-mingw32-windres i686-w64-mingw32-objdump; }
 
+has_package() { have pandoc; }
+
 has_wine() {
   have wine wineboot wineserver Xvfb setpriv &&
     [[ -e /usr/share/fonts/truetype/dejavu/DejaVuSansMono.ttf ]] &&
@@ -61,6 +68,7 @@ has_display() { have xdotool import && import -version 2>/dev/null | grep -q Ima
 has_emulator() { have qemu-system-i386; }
 
 has_lint() { have clang-tidy cppcheck shellcheck; }
+has_coverage() { have gcovr; }
 
 say() { printf 'setup: %s\n' "$*"; }
 
@@ -190,20 +198,30 @@ ensure_group() {
   return 1
 }
 
+# Whether all the words are names of groups, and there are some.
+are_groups() {
+  local word
+  (($# > 0)) || return 1
+  for word in "$@"; do [[ -n $word && -n ${purpose[$word]:-} ]] || return 1; done
+}
+
 main() {
-  if (($# == 2)) && [[ $1 == has && -n ${purpose[$2]:-} ]]; then
+  local group status=0 needed=(native) wanted=("${all_groups[@]}")
+  if (($# == 2)) && [[ $1 == has ]] && are_groups "$2"; then
     "has_$2"
     return
+  elif (($# > 1)) && [[ $1 == need ]] && are_groups "${@:2}"; then
+    needed=("${@:2}")
+    wanted=("${needed[@]}")
   elif (($# > 0)); then
     say "unknown arguments: $* (see the top of tools/setup.sh)"
     return 2
   fi
   exec 9<"${BASH_SOURCE[0]}"
   if have flock; then flock 9; fi
-  local group status=0
-  for group in "${all_groups[@]}"; do
+  for group in "${wanted[@]}"; do
     # apt's children must not keep the lock when this script is killed.
-    ensure_group "$group" 9<&- || { [[ $group != native ]] || status=1; }
+    ensure_group "$group" 9<&- || { [[ " ${needed[*]} " != *" $group "* ]] || status=1; }
   done
   return "$status"
 }

@@ -163,12 +163,16 @@ std::string CodePageFromUtf16(std::string_view bytes) {
   return text;
 }
 
+std::size_t Utf8Length(std::string_view text) {
+  std::string_view rest = text;
+  do {
+    rest.remove_prefix(AsciiPrefix(rest));
+  } while (!rest.empty() && TakeUtf8(rest, false));
+  return text.size() - rest.size();
+}
+
 bool IsUtf8(std::string_view text) {
-  while (true) {
-    text.remove_prefix(AsciiPrefix(text));
-    if (text.empty()) return true;
-    if (!TakeUtf8(text, false)) return false;
-  }
+  return Utf8Length(text) == text.size();
 }
 
 std::optional<std::string> CodePageFromUtf8(std::string_view text) {

@@ -43,6 +43,8 @@ std::optional<char> CodePageFromUnicode(char32_t character);
 // does not have becomes "?". The bytes are little-endian units; an odd last byte is dropped.
 std::string CodePageFromUtf16(std::string_view bytes);
 
+// How many bytes at the beginning of the text are UTF-8.
+std::size_t Utf8Length(std::string_view text);
 bool IsUtf8(std::string_view text);
 // Absent when the text is not UTF-8 or holds a character that the code page does not have.
 std::optional<std::string> CodePageFromUtf8(std::string_view text);

@@ -96,7 +96,7 @@ std::vector<GUID> NtClassesNamed(const Machine& machine, std::string_view name) 
 
 std::optional<GUID> Windows9xClassNamed(const Machine& machine, std::string_view name) {
   const KeyPointer classes = Open(machine, Hive::kLocalMachine, kWindows9xClasses);
-  const RegistryKey* const key = classes == nullptr ? nullptr : classes->subkeys.Find(name);
+  const KeyPointer key = classes == nullptr ? nullptr : classes->subkeys.Find(name);
   if (key != nullptr) {
     if (const std::optional<GUID> linked = ParseGuid(Text(*key, "Link"))) return linked;
   }

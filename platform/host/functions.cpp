@@ -74,7 +74,6 @@ constexpr std::string_view kFunctions[] = {
     "GetDlgCtrlID",
     "GetDlgItem",
     "GetDriveTypeA",
-    "GetExitCodeThread",
     "GetFileAttributesA",
     "GetFileSize",
     "GetFileVersionInfoA",

@@ -317,7 +317,6 @@ BOOL WINAPI VirtualFree(LPVOID address, SIZE_T size, DWORD kind);
 
 HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES security, SIZE_T stack_size,
                            LPTHREAD_START_ROUTINE start, LPVOID parameter, DWORD flags, LPDWORD id);
-BOOL WINAPI GetExitCodeThread(HANDLE thread, LPDWORD code);
 DWORD WINAPI WaitForSingleObject(HANDLE object, DWORD milliseconds);
 HANDLE WINAPI GetCurrentThread();
 HANDLE WINAPI GetCurrentProcess();

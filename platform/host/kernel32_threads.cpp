@@ -34,20 +34,8 @@ HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE
   const auto thread = std::make_shared<Thread>();
   if (id != nullptr) *id = thread->id();
   const std::uintptr_t handle = CurrentMachine().handles.Open(thread);
-  StartThread(thread, [start, parameter] { return start(parameter); });
+  StartThread(thread, [start, parameter] { start(parameter); });
   return reinterpret_cast<HANDLE>(handle);
-}
-
-BOOL WINAPI GetExitCodeThread(HANDLE handle, LPDWORD code) {
-  if (CallFails("GetExitCodeThread")) return FALSE;
-  const auto thread =
-      CurrentMachine().handles.FindAs<Thread>(reinterpret_cast<std::uintptr_t>(handle));
-  if (thread == nullptr) {
-    SetLastError(ERROR_INVALID_HANDLE);
-    return FALSE;
-  }
-  *code = ExitCodeOf(*thread);
-  return TRUE;
 }
 
 DWORD WINAPI WaitForSingleObject(HANDLE object, DWORD milliseconds) {

@@ -81,17 +81,16 @@ class Running {
 };
 
 void RunThread(Process* process, const std::shared_ptr<Thread>& thread,
-               const std::function<DWORD()>& routine) {
+               const std::function<void()>& routine) {
   own_process = process;
   thread->BecomeCurrent();
-  std::optional<DWORD> code;
   try {
-    code = routine();
+    routine();
   } catch (const ThreadEnded&) {
   }
   {
     const std::lock_guard lock(wait_mutex);
-    thread->SetEnded(code ? *code : process->code);
+    thread->SetEnded();
   }
   something_ended.notify_all();
 }
@@ -142,7 +141,7 @@ void EndProcess(UINT code) {
   throw ProcessEnded{own_process->code};
 }
 
-void StartThread(const std::shared_ptr<Thread>& thread, std::function<DWORD()> routine) {
+void StartThread(const std::shared_ptr<Thread>& thread, std::function<void()> routine) {
   Process* const process = own_process;
   std::thread started(RunThread, process, thread, std::move(routine));
   if (process == nullptr) {
@@ -179,11 +178,6 @@ void SleepFor(std::chrono::milliseconds time) {
                              [] { return own_process != nullptr && own_process->ended; });
   }
   EndThreadIfProcessEnded();
-}
-
-DWORD ExitCodeOf(const Thread& thread) {
-  const std::lock_guard lock(wait_mutex);
-  return thread.ended() ? thread.exit_code() : kStillActive;
 }
 
 }  // namespace host

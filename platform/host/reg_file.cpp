@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::string_view kHeader4 = "REGEDIT4";
 constexpr std::string_view kHeader5 = "Windows Registry Editor Version 5.00";
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";  // as it is in UTF-8
 constexpr std::size_t kLongestKeyName = 255;
 
 constexpr bool IsBlank(char character) {
@@ -26,13 +27,38 @@ int HexDigit(char character) {
   return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
-bool HasLongPart(std::string_view path) {
+std::size_t LineAt(std::string_view text, std::size_t position) {
+  return 1 + static_cast<std::size_t>(std::ranges::count(text.substr(0, position), '\n'));
+}
+
+// How many units of 16 bits the text takes; each byte of 8-bit text stands for one.
+std::size_t CountUnits(std::string_view text, bool is_utf8) {
+  if (!is_utf8) return text.size();
+  std::size_t count = 0;
+  for (const char character : text) {
+    const auto byte = static_cast<unsigned char>(character);
+    count += byte >= 0xF0 ? 2 : (byte & 0xC0) != 0x80;
+  }
+  return count;
+}
+
+bool HasLongPart(std::string_view path, bool is_utf8) {
   while (true) {
     const std::size_t end = path.find('\\');
-    if (std::min(end, path.size()) > kLongestKeyName) return true;
+    if (CountUnits(path.substr(0, end), is_utf8) > kLongestKeyName) return true;
     if (end == std::string_view::npos) return false;
     path.remove_prefix(end + 1);
   }
+}
+
+// Letters that stand for the bytes and that have no other case than their own.
+std::string Spelt(std::string_view bytes) {
+  std::string letters;
+  for (const char byte : bytes) {
+    letters += static_cast<char>('A' + (byte >> 4 & 0xF));
+    letters += static_cast<char>('A' + (byte & 0xF));
+  }
+  return letters;
 }
 
 class RegParser {
@@ -53,8 +79,7 @@ class RegParser {
   // All of these answer false when the text is wrong at that place; error_ then says why.
   bool Fail(std::string reason) { return FailAt(position_, std::move(reason)); }
   bool FailAt(std::size_t position, std::string reason) {
-    const auto line = 1 + std::count(text_.begin(), text_.begin() + Offset(position), '\n');
-    error_ = LoadError{"", static_cast<std::size_t>(line), std::move(reason)};
+    error_ = LoadError{"", LineAt(text_, position), std::move(reason)};
     return false;
   }
 
@@ -91,9 +116,6 @@ class RegParser {
   // Hexadecimal digits, at most the given number; how many there were.
   std::size_t TakeHexNumber(std::size_t most, DWORD& number);
 
-  static std::ptrdiff_t Offset(std::size_t position) {
-    return static_cast<std::ptrdiff_t>(position);
-  }
   // What the registry keeps of a name or a path in the file, and what an error shows of it.
   std::string Name(std::string_view raw) const;
   std::string KeyPath(std::string_view raw) const;
@@ -124,6 +146,11 @@ bool RegParser::ReadLine() {
   SkipBlanks();
   if (Peek() == '[') return ReadKeyLine();
   if (Peek() == '"' || Peek() == '@') return ReadValueLine();
+  for (const std::string_view beginning : {kHeader4, kHeader5, kByteOrderMark}) {
+    if (Rest().starts_with(beginning)) {
+      return Fail("another export begins here; each belongs in a file of its own");
+    }
+  }
   return ReadLineEnd();
 }
 
@@ -156,7 +183,8 @@ bool RegParser::ReadKeyLine() {
   path.remove_prefix(std::min(path.size(), hive_name.size() + 1));
   const std::optional<Hive> hive = HiveByName(hive_name);
   if (!hive) return FailAt(begin, "\"" + Shown(hive_name) + "\" is no hive");
-  if (HasLongPart(path)) return FailAt(begin, "a key's name has more than 255 characters");
+  if (HasLongPart(path, is_utf8_))
+    return FailAt(begin, "a key's name has more than 255 characters");
   key_ = nullptr;
   if (deletion) {
     if (path.empty()) return FailAt(begin, "a hive cannot be deleted");
@@ -288,7 +316,7 @@ std::string RegParser::KeyPath(std::string_view raw) const {
 std::string RegParser::Name(std::string_view raw) const {
   if (!is_utf8_) return std::string(raw);
   if (std::optional<std::string> name = CodePageFromUtf8(raw)) return *std::move(name);
-  return CodePageFromUtf8WithMarks(raw) + '\0' + std::string(raw);
+  return CodePageFromUtf8WithMarks(raw) + '\0' + Spelt(raw);
 }
 
 std::string RegParser::Shown(std::string_view raw) const {
@@ -298,26 +326,26 @@ std::string RegParser::Shown(std::string_view raw) const {
 // The text of the file without its byte-order mark, decoded into `decoded` when it is 16-bit text.
 std::optional<LoadError> TextOfFile(std::string_view bytes, std::string& decoded,
                                     std::string_view& text, bool& is_utf8) {
-  const auto fail = [](std::string reason) { return LoadError{"", 0, std::move(reason)}; };
-  if (bytes.starts_with("\xFE\xFF")) return fail("16-bit text with the high byte first");
   text = bytes;
+  const auto fail_at = [&text](std::size_t position, std::string reason) {
+    return LoadError{"", LineAt(text, position), std::move(reason)};
+  };
+  if (bytes.starts_with("\xFE\xFF")) return fail_at(0, "16-bit text with the high byte first");
   if (bytes.starts_with("\xFF\xFE")) {
-    if (bytes.size() % 2 != 0) return fail("16-bit text with an odd number of bytes");
     decoded = Utf8FromUtf16(bytes.substr(2));
     text = decoded;
     is_utf8 = true;
-  } else if (bytes.starts_with("\xEF\xBB\xBF")) {
-    text.remove_prefix(3);
+    if (bytes.size() % 2 != 0) return fail_at(text.size(), "16-bit text that ends in half a unit");
+  } else if (bytes.starts_with(kByteOrderMark)) {
+    text.remove_prefix(kByteOrderMark.size());
     is_utf8 = true;
-    if (!IsUtf8(text)) return fail("marked as UTF-8, but it is not");
+    const std::size_t end = Utf8Length(text);
+    if (end != text.size()) return fail_at(end, "the file is marked as UTF-8, and this is none");
   } else {
-    is_utf8 = bytes.starts_with(kHeader5) && IsUtf8(bytes);
+    is_utf8 = bytes.starts_with(kHeader5) && Utf8Length(bytes) == bytes.size();
   }
-  if (const std::size_t zero = text.find('\0'); zero != std::string_view::npos) {
-    const auto line =
-        std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(zero), '\n');
-    return LoadError{"", 1 + static_cast<std::size_t>(line), "a zero character"};
-  }
+  const std::size_t zero = text.find('\0');
+  if (zero != std::string_view::npos) return fail_at(zero, "a zero character");
   return std::nullopt;
 }
 

@@ -1,14 +1,14 @@
 // Reader of the registry editor's exports: "REGEDIT4" (8-bit text) and "Windows Registry Editor
 // Version 5.00" (16-bit text with its byte-order mark; also UTF-8 or 8-bit text).
 //
-//   file         header line, then lines in any number and order
-//   key          "[" hive "\" path "]"            the key is made; the values that follow go into
-//   it deletion     "[-" hive "\" path "]" value        ( "@" | quoted ) "=" ( "-" | quoted |
-//   "dword:" digits | hex ) quoted       '"' characters '"'               \\ and \" stand for \ and
-//   "; may hold line breaks hex          "hex" [ "(" digits ")" ] ":" [ byte { "," byte } ]    a
-//   "\" at the end of a line
-//                                                 between bytes or commas goes on in the next line
-//   comment      ";" to the end of a line, alone or after anything but within a hex list
+//   file      header line, then lines in any number and order
+//   key       "[" hive "\" path "]"   the key is made; the values that follow go into it
+//   deletion  "[-" hive "\" path "]"
+//   value     ( "@" | quoted ) "=" ( "-" | quoted | "dword:" digits | hex )
+//   quoted    '"' characters '"'      \\ and \" stand for \ and "; line breaks may stand in it
+//   hex       "hex" [ "(" digits ")" ] ":" [ byte { "," byte } ]
+//                                     goes on in the next line after a "\" between bytes or commas
+//   comment   ";" to the end of a line, alone or after anything but within a hex list
 //
 // Lines end in LF or CR LF; blanks may stand around everything but within words and numbers. Data
 // of hex(1), hex(2) and hex(7) is 16-bit text in version 5 and is kept in the code page. Anything

@@ -2,97 +2,147 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdio>
 #include <cstdlib>
-#include <numeric>
+#include <type_traits>
 #include <utility>
 
 namespace host {
 
-template <typename Item>
-std::size_t NamedItems<Item>::Slot(std::string_view name) const {
-  if (!slots_.empty()) {
-    const auto found = slots_.find(name);
-    return found == slots_.end() ? kNotFound : found->second;
+namespace {
+
+constexpr std::string_view kLinkValue = "SymbolicLinkValue";
+
+}  // namespace
+
+template <typename Slot, typename Reference>
+Reference NamedItems<Slot, Reference>::Refer(const Slot& slot) {
+  if constexpr (std::is_same_v<Slot, Reference>) {
+    return slot;
+  } else {
+    return &*slot;
   }
-  for (std::size_t slot = 0; slot < items_.size(); ++slot) {
-    if (items_[slot] && EqualNoCase(items_[slot]->name, name)) return slot;
-  }
-  return kNotFound;
 }
 
-template <typename Item>
-std::shared_ptr<Item> NamedItems<Item>::FindShared(std::string_view name) const {
-  const std::size_t slot = Slot(name);
-  return slot == kNotFound ? nullptr : items_[slot];
-}
-
-template <typename Item>
-Item* NamedItems<Item>::Find(std::string_view name) const {
-  const std::size_t slot = Slot(name);
-  return slot == kNotFound ? nullptr : items_[slot].get();
-}
-
-template <typename Item>
-Item& NamedItems<Item>::Add(std::shared_ptr<Item> item) {
-  items_.push_back(std::move(item));
-  order_.clear();
-  if (!slots_.empty()) {
-    slots_.emplace(items_.back()->name, items_.size() - 1);
-  } else if (items_.size() > kFewItems) {
-    for (std::size_t slot = 0; slot < items_.size(); ++slot) {
-      if (items_[slot]) slots_.emplace(items_[slot]->name, slot);
+template <typename Slot, typename Reference>
+std::size_t NamedItems<Slot, Reference>::Number(std::string_view name) const {
+  const auto is_it = [name](const Slot& slot) { return slot && EqualNoCase(slot->name, name); };
+  if (index_ && !index_->places.empty()) {
+    const std::size_t mask = index_->places.size() - 1;
+    for (std::size_t at = NoCaseHash()(name) & mask; index_->places[at] != 0;
+         at = (at + 1) & mask) {
+      const std::size_t number = index_->places[at] - 1;
+      if (is_it(slots_[number])) return number;
     }
+    return kNotFound;
   }
-  return *items_.back();
+  const auto found = std::find_if(slots_.begin(), slots_.end(), is_it);
+  return found == slots_.end() ? kNotFound : static_cast<std::size_t>(found - slots_.begin());
 }
 
-template <typename Item>
-std::shared_ptr<Item> NamedItems<Item>::Remove(std::string_view name) {
-  const std::size_t slot = Slot(name);
-  if (slot == kNotFound) return nullptr;
-  slots_.erase(items_[slot]->name);
-  ++removed_;
-  order_.clear();
-  std::shared_ptr<Item> item = std::move(items_[slot]);
-  items_[slot] = nullptr;
-  if (removed_ == items_.size()) {
-    items_.clear();
-    slots_.clear();
-    removed_ = 0;
+template <typename Slot, typename Reference>
+Reference NamedItems<Slot, Reference>::Find(std::string_view name) const {
+  const std::size_t number = Number(name);
+  return number == kNotFound ? Reference() : Refer(slots_[number]);
+}
+
+template <typename Slot, typename Reference>
+Slot* NamedItems<Slot, Reference>::FindSlot(std::string_view name) {
+  const std::size_t number = Number(name);
+  return number == kNotFound ? nullptr : &slots_[number];
+}
+
+template <typename Slot, typename Reference>
+auto NamedItems<Slot, Reference>::MakeIndex() const -> Index& {
+  if (!index_) index_ = std::make_unique<Index>();
+  return *index_;
+}
+
+template <typename Slot, typename Reference>
+void NamedItems<Slot, Reference>::PutInPlace(std::size_t number) {
+  std::vector<std::uint32_t>& places = index_->places;
+  const std::size_t mask = places.size() - 1;
+  std::size_t at = NoCaseHash()(slots_[number]->name) & mask;
+  while (places[at] != 0)
+    at = (at + 1) & mask;
+  places[at] = static_cast<std::uint32_t>(number + 1);
+}
+
+// Twice as many places as items or more, and no slots without an item.
+template <typename Slot, typename Reference>
+void NamedItems<Slot, Reference>::PutAllInPlaces() {
+  Index& index = MakeIndex();
+  std::erase_if(slots_, [](const Slot& slot) { return !slot; });
+  index.removed = 0;
+  index.places.assign(std::bit_ceil(2 * slots_.size()), 0);
+  for (std::size_t number = 0; number < slots_.size(); ++number)
+    PutInPlace(number);
+}
+
+template <typename Slot, typename Reference>
+Slot& NamedItems<Slot, Reference>::Add(Slot item) {
+  if (index_) index_->order.clear();
+  const std::size_t number = slots_.size();
+  if (number < kFewItems) slots_.reserve(number + 1);
+  slots_.push_back(std::move(item));
+  const std::size_t places = index_ ? index_->places.size() : 0;
+  if (places >= 4 * slots_.size() / 3 + 1) {
+    PutInPlace(number);
+  } else if (places != 0 || slots_.size() > kFewItems) {
+    PutAllInPlaces();
   }
+  return slots_.back();
+}
+
+template <typename Slot, typename Reference>
+Slot NamedItems<Slot, Reference>::Remove(std::string_view name) {
+  const std::size_t number = Number(name);
+  if (number == kNotFound) return Slot();
+  Index& index = MakeIndex();
+  index.order.clear();
+  ++index.removed;
+  Slot item = std::exchange(slots_[number], Slot());
+  if (index.removed == slots_.size()) TakeAll();
   return item;
 }
 
-template <typename Item>
-std::shared_ptr<Item> NamedItems<Item>::At(std::size_t index, bool sorted) const {
-  if (index >= size()) return nullptr;
-  if (!sorted && removed_ == 0) return items_[index];
-  if (order_.empty() || order_is_sorted_ != sorted) {
-    order_.clear();
-    for (std::size_t slot = 0; slot < items_.size(); ++slot) {
-      if (items_[slot]) order_.push_back(slot);
-    }
-    if (sorted) {
-      std::stable_sort(order_.begin(), order_.end(), [this](std::size_t a, std::size_t b) {
-        return NoCaseLess()(items_[a]->name, items_[b]->name);
-      });
-    }
-    order_is_sorted_ = sorted;
+template <typename Slot, typename Reference>
+void NamedItems<Slot, Reference>::WorkOutOrder(bool sorted) const {
+  Index& index = MakeIndex();
+  if (!index.order.empty() && index.order_is_sorted == sorted) return;
+  index.order.clear();
+  for (std::size_t number = 0; number < slots_.size(); ++number) {
+    if (slots_[number]) index.order.push_back(static_cast<std::uint32_t>(number));
   }
-  return items_[order_[index]];
+  if (sorted) {
+    std::stable_sort(index.order.begin(), index.order.end(), [this](std::size_t a, std::size_t b) {
+      return NoCaseLess()(slots_[a]->name, slots_[b]->name);
+    });
+  }
+  index.order_is_sorted = sorted;
 }
 
-template <typename Item>
-std::vector<std::shared_ptr<Item>> NamedItems<Item>::TakeAll() {
-  std::vector<std::shared_ptr<Item>> all = std::move(items_);
-  std::erase(all, nullptr);
-  *this = NamedItems();
+template <typename Slot, typename Reference>
+Reference NamedItems<Slot, Reference>::At(std::size_t index, bool sorted) const {
+  if (index >= size()) return Reference();
+  if (size() == slots_.size() && (!sorted || size() == 1)) return Refer(slots_[index]);
+  WorkOutOrder(sorted);
+  return Refer(slots_[index_->order[index]]);
+}
+
+template <typename Slot, typename Reference>
+std::vector<Slot> NamedItems<Slot, Reference>::TakeAll() {
+  std::vector<Slot> all = std::exchange(slots_, {});
+  index_.reset();
+  std::erase_if(all, [](const Slot& slot) { return !slot; });
   return all;
 }
 
-template class NamedItems<RegistryKey>;
-template class NamedItems<RegistryValue>;
+template class NamedItems<std::shared_ptr<RegistryKey>, std::shared_ptr<RegistryKey>>;
+template class NamedItems<std::optional<RegistryValue>, const RegistryValue*>;
+
+static_assert(sizeof(RegistryKey) <= 128, "there may be a million of them");
 
 // One by one instead of each key ending its subkeys: a tree may be deeper than the stack.
 RegistryKey::~RegistryKey() {
@@ -108,17 +158,17 @@ RegistryKey::~RegistryKey() {
 }
 
 void RegistryKey::SetValue(std::string_view value_name, DWORD type, std::string data) {
-  if (RegistryValue* value = values.Find(value_name)) {
-    value->type = type;
-    value->data = std::move(data);
+  if (std::optional<RegistryValue>* const value = values.FindSlot(value_name)) {
+    (*value)->type = type;
+    (*value)->data = std::move(data);
   } else {
-    values.Add(std::make_shared<RegistryValue>(std::string(value_name), type, std::move(data)));
+    values.Add(RegistryValue(std::string(value_name), type, std::move(data)));
   }
 }
 
 RegistryKey& RegistryKey::MakeSubkey(std::string_view subkey_name) {
-  if (RegistryKey* subkey = subkeys.Find(subkey_name)) return *subkey;
-  return subkeys.Add(std::make_shared<RegistryKey>(std::string(subkey_name)));
+  if (const auto* const subkey = subkeys.FindSlot(subkey_name)) return **subkey;
+  return *subkeys.Add(std::make_shared<RegistryKey>(std::string(subkey_name)));
 }
 
 std::string_view VisibleName(std::string_view name) {
@@ -210,8 +260,8 @@ void Registry::MakeKey(std::string_view path) {
 void Registry::MakeLink(std::string_view path, std::string_view target) {
   const std::lock_guard lock(mutex_);
   RegistryKey& link = MakePath(path);
-  link.link_target = target;
-  link.SetValue("SymbolicLinkValue", kRegistryLink, std::string(target));
+  link.is_link = true;
+  link.SetValue(kLinkValue, kRegistryLink, std::string(target));
 }
 
 void Registry::SetWriteTime(std::string_view path, std::uint64_t time) {
@@ -234,7 +284,7 @@ bool Registry::RemoveValue(std::string_view path, std::string_view name) {
   const std::lock_guard lock(mutex_);
   const std::shared_ptr<RegistryKey> root = Root(HiveOfPath(path));
   const std::shared_ptr<RegistryKey> key = FindBelow(root, path);
-  return key != nullptr && key->values.Remove(name) != nullptr;
+  return key != nullptr && key->values.Remove(name).has_value();
 }
 
 std::shared_ptr<RegistryKey> Registry::Root(Hive hive) const {
@@ -256,7 +306,7 @@ std::shared_ptr<RegistryKey> Registry::FindBelow(std::shared_ptr<RegistryKey> ke
                                                  std::string_view path) {
   while (key != nullptr && !path.empty()) {
     const std::string_view part = TakePart(path);
-    if (!part.empty()) key = key->subkeys.FindShared(part);
+    if (!part.empty()) key = key->subkeys.Find(part);
   }
   return key;
 }
@@ -273,11 +323,13 @@ std::shared_ptr<RegistryKey> Registry::Follow(std::shared_ptr<RegistryKey> key,
   while (key != nullptr && !path.empty()) {
     const std::string_view part = TakePart(path);
     if (part.empty()) continue;
-    key = key->subkeys.FindShared(part);
-    if (key == nullptr || key->link_target.empty()) continue;
+    key = key->subkeys.Find(part);
+    if (key == nullptr || !key->is_link) continue;
     if (last_link_itself && path.empty()) return key;
     if (links_left-- == 0) return nullptr;
-    std::string_view target = key->link_target;
+    const RegistryValue* const value = key->values.Find(kLinkValue);
+    if (value == nullptr) return nullptr;
+    std::string_view target = value->data;
     std::shared_ptr<RegistryKey> root = Root(HiveOfPath(target));
     key = Follow(std::move(root), target, false, links_left);
   }
@@ -303,7 +355,7 @@ bool Registry::RemoveBelow(RegistryKey& key, std::string_view path) {
     path.remove_prefix(last + 1);
     while (parent != nullptr && !parents.empty()) {
       const std::string_view part = TakePart(parents);
-      if (!part.empty()) parent = parent->subkeys.Find(part);
+      if (!part.empty()) parent = parent->subkeys.Find(part).get();
     }
   }
   const std::shared_ptr<RegistryKey> gone =

@@ -2,7 +2,7 @@
 //
 // Names and texts are in the machine's code page; case is kept and does not count. A name taken
 // from a 16-bit export may hold characters that the code page does not have: it is kept as the text
-// that 8-bit functions see ("?" for each of them), a zero and the name in UTF-8. What follows the
+// that 8-bit functions see ("?" for each of them), a zero and the name in letters. What follows the
 // zero keeps such names apart and keeps them from being found by name, as on the real system.
 #pragma once
 
@@ -13,7 +13,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -36,37 +35,7 @@ constexpr bool IsRegistryText(DWORD type) {
   return type == kRegistryText || type == kRegistryExpandText || type == kRegistryMultiText;
 }
 
-// The subkeys or the values of one key. Item has a member `name`. Finding by name takes no longer
-// the more there are.
-template <typename Item>
-class NamedItems {
- public:
-  std::size_t size() const { return items_.size() - removed_; }
-  // None when there is no item of that name.
-  Item* Find(std::string_view name) const;
-  std::shared_ptr<Item> FindShared(std::string_view name) const;
-  // The name must be new.
-  Item& Add(std::shared_ptr<Item> item);
-  // The removed item, or none.
-  std::shared_ptr<Item> Remove(std::string_view name);
-  // The n-th item in the order of adding or, when sorted, of names. None beyond the last.
-  std::shared_ptr<Item> At(std::size_t index, bool sorted) const;
-  // All of them in the order of adding; takes them away when the key goes.
-  std::vector<std::shared_ptr<Item>> TakeAll();
-
- private:
-  static constexpr std::size_t kNotFound = static_cast<std::size_t>(-1);
-  static constexpr std::size_t kFewItems = 8;  // up to here they are searched one by one
-
-  std::size_t Slot(std::string_view name) const;
-
-  std::vector<std::shared_ptr<Item>> items_;  // empty where one was removed
-  std::size_t removed_ = 0;
-  std::unordered_map<std::string_view, std::size_t, NoCaseHash, NoCaseEqual> slots_;
-  // Slots in the order last asked for; empty when it must be worked out anew.
-  mutable std::vector<std::size_t> order_;
-  mutable bool order_is_sorted_ = false;
-};
+struct RegistryKey;
 
 struct RegistryValue {
   RegistryValue(std::string value_name, DWORD value_type, std::string value_data)
@@ -75,6 +44,55 @@ struct RegistryValue {
   std::string name;  // empty: the key's default value
   DWORD type;
   std::string data;  // bytes; of text types in the code page, with the final zeros they have
+};
+
+// The subkeys or the values of one key. Finding by name takes no longer the more there are. A
+// registry has hundreds of thousands of keys, most with one value or none, so that what few items
+// do not need is made for many only.
+//
+// Slot holds one item, which has a member `name`, and is empty where one was removed. Reference is
+// what is handed out: a key is shared with whoever has it open, a value stays where it is until
+// another one is added or removed.
+template <typename Slot, typename Reference>
+class NamedItems {
+ public:
+  std::size_t size() const { return slots_.size() - (index_ ? index_->removed : 0); }
+  // None when there is no item of that name.
+  Reference Find(std::string_view name) const;
+  // The same for changing the item; its name must stay.
+  Slot* FindSlot(std::string_view name);
+  // The name must be new.
+  Slot& Add(Slot item);
+  // The removed item, or none.
+  Slot Remove(std::string_view name);
+  // The n-th item in the order of adding or, when sorted, of names. None beyond the last.
+  Reference At(std::size_t index, bool sorted) const;
+  // All of them in the order of adding; takes them away when the key goes.
+  std::vector<Slot> TakeAll();
+
+ private:
+  static constexpr std::size_t kNotFound = static_cast<std::size_t>(-1);
+  static constexpr std::size_t kFewItems = 8;  // up to here they are searched one by one
+
+  struct Index {
+    std::size_t removed = 0;
+    // By hashes, in steps of one from a name's own place: the number of its slot and one more. Zero
+    // ends the search. Empty while there are few items.
+    std::vector<std::uint32_t> places;
+    // Slots in the order last asked for; empty when it must be worked out anew.
+    std::vector<std::uint32_t> order;
+    bool order_is_sorted = false;
+  };
+
+  static Reference Refer(const Slot& slot);
+  std::size_t Number(std::string_view name) const;
+  Index& MakeIndex() const;
+  void PutInPlace(std::size_t number);
+  void PutAllInPlaces();
+  void WorkOutOrder(bool sorted) const;
+
+  std::vector<Slot> slots_;
+  mutable std::unique_ptr<Index> index_;
 };
 
 struct RegistryKey {
@@ -89,13 +107,13 @@ struct RegistryKey {
   RegistryKey& MakeSubkey(std::string_view subkey_name);
 
   std::string name;
-  NamedItems<RegistryKey> subkeys;
-  NamedItems<RegistryValue> values;
-  std::string link_target;          // a path that begins with a hive; empty: the key is no link
+  NamedItems<std::shared_ptr<RegistryKey>, std::shared_ptr<RegistryKey>> subkeys;
+  NamedItems<std::optional<RegistryValue>, const RegistryValue*> values;
   std::uint64_t write_time = 0;     // UTC, as a FILETIME
   std::optional<DWORD> open_error;  // opening the key fails with this
   DWORD last_access = 0;            // the mask with which it was last opened
   bool removed = false;             // no longer in the tree, though a handle may still hold it
+  bool is_link = false;             // to the key that value SymbolicLinkValue names, with its hive
 };
 
 // What 8-bit functions see of a name.

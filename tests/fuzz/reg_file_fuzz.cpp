@@ -19,9 +19,9 @@ void ListAll(const host::Registry& registry) {
     const auto key = keys.back();
     keys.pop_back();
     for (std::size_t i = 0; const auto value = key->values.At(i, true); ++i)
-      if (key->values.Find(value->name) != value.get()) std::abort();
+      if (key->values.Find(value->name) != value) std::abort();
     for (std::size_t i = 0; const auto subkey = key->subkeys.At(i, true); ++i) {
-      if (key->subkeys.Find(subkey->name) != subkey.get() || subkey->removed) std::abort();
+      if (key->subkeys.Find(subkey->name) != subkey || subkey->removed) std::abort();
       keys.push_back(subkey);
     }
   }

@@ -119,6 +119,17 @@ class LinuxProgramTest(unittest.TestCase):
         self.assertIn("Gr\u00fc\u00dfe: hscope.txt", result.stdout.decode("utf-8"))
         self.assertTrue(self.report().startswith(b"Report generated on "))
 
+    def test_what_would_leave_the_machine_is_shown(self):
+        (self.folder / "p.ini").write_bytes(
+            b"[GENERAL]\r\nReportFileName=r.txt\r\n[POST-RUN]\r\nOpen=1\r\nEmail=1\r\nTo=a@x.example\r\n"
+            b"Name=Ann\r\nCC=b@x.example\r\nBCC=c@x.example\r\nSubject=\xfcber\r\n[EMAIL TEXT]\r\nHello,\r\n\r\nAnn.")
+        result = self.run_hscope("--machine", MACHINES / "win98se", "p.ini")
+        report = self.folder / "r.txt"
+        self.assertEqual(result.stdout.decode("utf-8").partition("Asked to open: ")[2].splitlines(), [
+            str(report), "Prepared in the mail client (nothing is sent from here):", "  To: Ann <a@x.example>",
+            "  Copy to: b@x.example", "  Blind copy to: c@x.example", "  Subject: \u00fcber",
+            f"  Attached: {report}, {len(self.report('r.txt'))} bytes", "  Text:", "    Hello,", "", "    Ann."])
+
     def test_a_machine_that_cannot_be_read_is_refused_before_the_run(self):
         (self.folder / "p.ini").write_bytes(b"[SYSTEM]\r\nTempFolder=1\r\n")
         good = MACHINES / "winxp" / "machine.ini"
@@ -143,6 +154,13 @@ class LinuxProgramTest(unittest.TestCase):
                 self.assertEqual(result.returncode, 2)
                 self.assertIn(said, result.stderr.decode("utf-8"))
                 self.assertFalse((self.folder / "hscope.txt").exists())
+
+    def test_the_program_tells_of_itself(self):
+        for option, said in (("--version", r"Hostscope Utility \d+\.\d+\S*\n"),
+                             ("--help", r"Usage: hscope --machine DIR [\s\S]*\n")):
+            result = self.run_hscope(option)
+            self.assertEqual((result.returncode, result.stderr), (0, b""))
+            self.assertRegex(result.stdout.decode("utf-8"), f"^{said}$")
 
     def test_wrong_arguments_are_refused(self):
         for arguments in ([], ["--machine"], ["--colour"], ["--machine", MACHINES / "winxp", "a.ini", "b", "c"],

@@ -256,7 +256,7 @@ TEST(RegistryKeys, LongNamesAndDeepTrees) {
   registry.SetText("HKLM\\K\\" + key_name, value_name, text);
   constexpr int kDepth = 2000;
   registry.MakeKey("HKLM\\Deep");
-  host::RegistryKey* key = registry.Root(host::Hive::kLocalMachine)->subkeys.Find("Deep");
+  host::RegistryKey* key = registry.Root(host::Hive::kLocalMachine)->subkeys.Find("Deep").get();
   std::string expected = "HKEY_LOCAL_MACHINE\\K\r\n    \\" + key_name + "\r\n        " +
                          value_name + "=\"" + text + "\"\r\n\r\nHKEY_LOCAL_MACHINE\\Deep\r\n";
   std::vector<std::string> values;

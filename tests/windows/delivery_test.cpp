@@ -6,34 +6,15 @@
 #include "tests/windows/driver.h"
 #include "tests/windows/every_release.h"
 #include "tests/windows/expected.h"
+#include "tests/windows/mail_client.h"
 #include "tests/windows/opened_target.h"
 
 namespace drive {
 namespace {
 
-constexpr char kMail[] = "Software\\Clients\\Mail";
-constexpr char kMessaging[] = "Software\\Microsoft\\Windows Messaging Subsystem";
 constexpr char kProfile[] =
     "[SYSTEM]\r\nTempFolder=1\r\n[POST-RUN]\r\nEmail=1\r\nTo=help@example.org\r\nName=Help\r\n"
     "CC=c@x;d@x\r\nBCC=b@x\r\nSubject=A subject\r\n[EMAIL TEXT]\r\nHello,\r\nyou.\r\n";
-
-// What the registry and win.ini say about Simple MAPI.
-struct Installed {
-  Installed(const std::string& registry, const std::string& win_ini)
-      : value(RegistryValue::Text(HKEY_LOCAL_MACHINE, kMessaging, "MAPI", registry)),
-        ini(win_ini) {}
-  RegistryValue value;
-  MailInWinIni ini;
-};
-
-// A mail client that comes before all others.
-struct Client {
-  explicit Client(const std::string& library)
-      : name(RegistryValue::Text(HKEY_LOCAL_MACHINE, kMail, "", "!client")),
-        path(RegistryValue::Text(HKEY_LOCAL_MACHINE, std::string(kMail) + "\\!client", "DLLPath",
-                                 library)) {}
-  RegistryValue name, path;
-};
 
 // Runs the program to its end: what the library was handed, empty for nothing.
 std::string MailOf(const Folder& folder) {
@@ -69,8 +50,8 @@ TEST_P(MailOnEveryRelease, IsPreparedWhereSimpleMapiIsInstalled) {
     SCOPED_TRACE(std::string(row.registry) + row.win_ini);
     const Folder folder;
     folder.CopyFromBuild("mail_library.dll");
-    const Installed installed(row.registry, row.win_ini);
-    const Client client(folder.Path("mail_library.dll"));
+    const InstalledMapi installed(row.registry, row.win_ini);
+    const MailClient client(folder.Path("mail_library.dll"));
     EXPECT_EQ(MailOf(folder), row.installed ? ExpectedMail(folder) : "");
   }
 }

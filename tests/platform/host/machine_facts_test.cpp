@@ -53,6 +53,7 @@ Imitated=LAB\bert
 [Environment]
 ProgramFiles=C:\Programme
 [Processor]
+Age=80486
 CounterFrequency=18446744073709551615
 [ProcessorLeaves]
 0x80000001=1 0x2  3 0xFFFFFFFF
@@ -86,6 +87,7 @@ BitsPerPixel=4
   EXPECT_EQ(machine.special_folders, (std::map<int, std::string>{{16, "C:\\WINDOWS\\Desktop"}}));
   EXPECT_EQ(machine.environment["PROGRAMFILES"], "C:\\Programme");
   const Hardware& hardware = machine.hardware;
+  EXPECT_EQ(hardware.processor.age, hostscope::ProcessorAge::k80486);
   EXPECT_EQ(hardware.processor.counter_frequency, 0xFFFFFFFFFFFFFFFF);
   const hostscope::ProcessorLeaf& leaf = hardware.processor.leaves.at(0x80000001);
   EXPECT_EQ((std::array{leaf.eax, leaf.ebx, leaf.ecx, leaf.edx}),

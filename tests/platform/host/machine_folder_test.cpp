@@ -76,6 +76,11 @@ TEST_F(MachineFolder, Errors) {
        "[Version]\nMajor=4\nMinor=0\nBuild=950\nPlatform=1\n[FileSizes]\nC:\\none=1\n",
        "machine.ini: [FileSizes] C:\\none: no such file"},
   };
+  Write("drives/.hidden", "");
+  Write("drives/c/x", "");
+  EXPECT_EQ(Load(), "");
+  Write("drives/C/x", "");
+  EXPECT_EQ(Load(), "drives/c: the drive is there twice");
   for (const auto& row : rows) {
     Write(row.file, row.bytes);
     EXPECT_EQ(Load().substr(0, row.error.size()), row.error) << row.file;

@@ -74,6 +74,9 @@ TEST(RegFile, Values) {
       {R"("a\\b\"c"="\\\\s\\\"q\"\\")", "a\\b\"c:1=\\\\s\\\"q\"\\<00>;",
        "a\\b\"c:1=\\\\s\\\"q\"\\<00>;"},
       {R"("[x]=;"="[y]=;")", "[x]=;:1=[y]=;<00>;", "[x]=;:1=[y]=;<00>;"},
+      {"\"@\"=\"C:\\\\\"", "@:1=C:\\<00>;", "@:1=C:\\<00>;"},
+      {"\"a\x01\r\"=\"\t\r\x1A\"", "a<01><0d>:1=<09><0d><1a><00>;",
+       "a<01><0d>:1=<09><0d><1a><00>;"},
       {"\"a\"=\"one\r\ntwo\n\"", "a:1=one<0d><0a>two<0a><00>;", "a:1=one<0d><0a>two<0a><00>;"},
       {R"("a"=dword:0000000a)", "a:4=<0a><00><00><00>;", "a:4=<0a><00><00><00>;"},
       {R"("a"=dword:FFFFfffe)", "a:4=<fe><ff><ff><ff>;", "a:4=<fe><ff><ff><ff>;"},
@@ -82,6 +85,8 @@ TEST(RegFile, Values) {
       {R"("a"=hex(0):)", "a:0=;", "a:0=;"},
       {R"("a"=hex(b):01,00,00,00,00,00,00,80)", "a:b=<01><00><00><00><00><00><00><80>;",
        "a:b=<01><00><00><00><00><00><00><80>;"},
+      {R"("a"=hex(4):01,02)", "a:4=<01><02>;", "a:4=<01><02>;"},
+      {R"("a"=hex(80000001):41,00)", "a:80000001=A<00>;", "a:80000001=A<00>;"},
       {R"("a"=hex(FFFF0007):41,00)", "a:ffff0007=A<00>;", "a:ffff0007=A<00>;"},
       {R"("a"=hex(2):25,61,00)", "a:2=%a<00>;", "a:2=?;"},
       {R"("a"=hex(2):25,00,AC,20,00,00)", "a:2=%<00><ac> <00><00>;", "a:2=%<80><00>;"},
@@ -97,7 +102,7 @@ TEST(RegFile, Values) {
       {"@=\"x\"\r\n@=-\r\n\"none\"=-", "", ""},
   };
   for (const auto& row : rows) {
-    for (const std::string end : {"", "\r\n", "\n", "\r\n\r\n; end"}) {
+    for (const std::string end : {"", "\r\n", "\r\n \t\r\n", "\n", "\r\n\r\n; end"}) {
       EXPECT_EQ(Read(kV4 + kKey + row.line + end), "K{" + row.version_4 + "}}") << row.line;
       EXPECT_EQ(Read(kV5 + kKey + row.line + end), "K{" + row.version_5 + "}}") << row.line;
     }
@@ -138,6 +143,22 @@ TEST(RegFile, EncodingsOfText) {
   EXPECT_EQ(Read(Utf16(u"Windows Registry Editor Version 5.00\r\n\r\n"
                        u"[HKEY_LOCAL_MACHINE\\ä]\r\n\"€\"=\"üЖ\"\r\n")),
             as_utf8);
+  // Halves of pairs, a byte-order mark and what is no character, as real texts hold them.
+  EXPECT_EQ(Read(Utf16(u"REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\\xDC00]\r\n\"\xD800\"=\"\xFEFF\xFFFE"
+                       u"\xDC00\xD83D\xDE00\xD83D\"\r\n")),
+            "?<00>ONLAIA{?<00>ONKAIA:1=???"
+            "??"
+            "?<00>;}}");
+}
+
+// A name's limit counts characters, not the bytes that they take here.
+TEST(RegFile, LongestNames) {
+  for (const char16_t character : {u'n', u'\xE4', u'\x416'}) {
+    const std::u16string name(255, character);
+    const std::u16string key = u"REGEDIT4\r\n[HKEY_LOCAL_MACHINE\\" + name;
+    EXPECT_EQ(Read(Utf16(key + u"\\" + name + u"]")).find("a key's name"), std::string::npos);
+    EXPECT_EQ(Read(Utf16(key + character + u"]")), "2: a key's name has more than 255 characters");
+  }
 }
 
 // Names that look alike once their characters are lost stay two, and differ only in what nobody
@@ -150,6 +171,9 @@ TEST(RegFile, NamesOutsideTheCodePage) {
        registry);
   const auto root = registry.Root(Hive::kLocalMachine);
   ASSERT_EQ(root->subkeys.size(), 2u);
+  // The last bytes of these letters are capital and small letter of the code page.
+  EXPECT_EQ(Read(kV5 + "[HKEY_LOCAL_MACHINE\\K]\n\"\xD0\x9A\"=\"1\"\n\"\xD0\x8A\"=\"2\"\n"),
+            "K{?<00>NAJK:1=1<00>;?<00>NAIK:1=2<00>;}}");
   EXPECT_EQ(VisibleName(root->subkeys.At(0, false)->name), "a?");
   EXPECT_EQ(VisibleName(root->subkeys.At(1, false)->name), "a?");
   EXPECT_EQ(root->subkeys.At(0, false)->subkeys.size(), 1u);
@@ -167,11 +191,14 @@ TEST(RegFile, WhatIsWrongIsSaidWithItsLine) {
       {"REGEDIT\r\n", "1: the first line is neither"},
       {"Windows Registry Editor Version 4.00\n", "1: the first line is neither"},
       {"\n" + kV4, "1: the first line is neither"},
-      {"\xFE\xFF\0R"s, "0: 16-bit text with the high byte first"},
-      {Utf16(u"REGEDIT4") + "x", "0: 16-bit text with an odd number"},
-      {"\xEF\xBB\xBF" + kV4 + "\xFF", "0: marked as UTF-8"},
+      {"\xFE\xFF\0R"s, "1: 16-bit text with the high byte first"},
+      {Utf16(u"REGEDIT4\n;") + "x", "2: 16-bit text that ends in half"},
+      {"\xEF\xBB\xBF" + kV4 + ";\xFF", "3: the file is marked as UTF-8"},
       {kV4 + "\r\n;\0"s, "4: a zero character"},
       {Utf16(u"REGEDIT4\n\n\0"s), "3: a zero character"},
+      {kV4 + kKey + "\r\n" + kV4, "5: another export begins here"},
+      {kV5 + kKey + kV5, "4: another export begins here"},
+      {Utf16(u"REGEDIT4\n\xFEFFREGEDIT4"), "2: another export begins here"},
       {kV4 + "nonsense", "3: this is no key, value or comment"},
       {kV4 + "[HKEY_LOCAL_MACHINE\\K", "3: the key has no closing bracket"},
       {kV4 + "[HKEY_LOCAL_MACHINE\\K]x", "3: this is no key, value or comment, or has"},
@@ -189,6 +216,9 @@ TEST(RegFile, WhatIsWrongIsSaidWithItsLine) {
       {kV4 + kKey + "@=\"one\n\ntwo", "4: the text that begins here has no closing quote"},
       {kV4 + kKey + "@=\"\n\\n\"", "5: \"\\\" in a text stands for nothing"},
       {kV4 + kKey + "\n@=\"\\", "5: \"\\\" in a text stands for nothing"},
+      {kV4 + kKey + "@=\"C:\\x\"", "4: \"\\\" in a text stands for nothing"},
+      {kV4 + kKey + "@=DWORD:1", "4: the data is no text"},
+      {kV4 + kKey + "@=Hex:01", "4: the data is no text"},
       {kV4 + kKey + "@=dword:", "4: \"dword:\" takes 1 to 8"},
       {kV4 + kKey + "@=dword:123456789", "4: \"dword:\" takes 1 to 8"},
       {kV4 + kKey + "@=dword:12g", "4: this is no key, value or comment, or has"},

@@ -38,6 +38,11 @@ TEST(Registry, SomeHivesAreViewsOnOthers) {
   EXPECT_NE(Find(registry, Hive::kLocalMachine, "Software\\Classes\\.TXT"), nullptr);
   EXPECT_NE(Find(registry, Hive::kUsers, "S-1-5-21-1\\Software"), nullptr);
   EXPECT_EQ(Find(registry, Hive::kUsers, ".DEFAULT"), nullptr);
+  registry.MakeKey("HKCC\\a");
+  registry.MakeKey("HKEY_DYN_DATA\\b");
+  EXPECT_EQ(SubkeyNames(*registry.Root(Hive::kCurrentConfig), false),
+            std::vector<std::string>{"a"});
+  EXPECT_EQ(SubkeyNames(*registry.Root(Hive::kDynData), false), std::vector<std::string>{"b"});
 }
 
 TEST(Registry, OrderOfSubkeys) {
@@ -70,6 +75,10 @@ TEST(Registry, RemovingAndAddingAmongFewAndMany) {
     EXPECT_EQ(root->subkeys.size(), static_cast<std::size_t>(count / 2));
     for (int i = 0; i < count; ++i) {
       EXPECT_EQ(root->subkeys.Find("KEY" + std::to_string(i)) != nullptr, i % 2 == 1) << count;
+    }
+    for (int i = 0; i < 1000; ++i) {
+      registry.MakeKey("HKLM\\Other");
+      EXPECT_TRUE(registry.RemoveKey("HKLM\\other")) << count;
     }
     for (int i = 0; i < count; ++i)
       registry.MakeKey(path(i));
