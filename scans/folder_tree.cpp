@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "platform/win32.h"
-#include "scans/list_entry.h"
 #include "util/file_version.h"
 #include "util/handles.h"
 #include "util/numbers.h"
@@ -288,11 +287,9 @@ FolderPath ReadPathFromRegistry(const RegistryPath& place) {
   return path;
 }
 
-// The entry is cut in place.
-FolderPath FindPath(char* entry, const char* program_folder) {
-  if (SameTextIgnoringCase(entry, "<Run Folder>")) return CopyOfPath(program_folder);
-  const RegistryPath place = ParseRegistryPath(entry);
-  return place.root != nullptr ? ReadPathFromRegistry(place) : CopyOfPath(entry);
+FolderPath FindPath(const FolderEntry& entry, const char* program_folder) {
+  if (entry.program_folder) return CopyOfPath(program_folder);
+  return entry.place.root != nullptr ? ReadPathFromRegistry(entry.place) : CopyOfPath(entry.path);
 }
 
 bool IsSeparator(char character) {
@@ -324,9 +321,9 @@ bool WriteEntry(ItemRun& run, const char* entry) {
   FolderPath path{{}, kNoPathMemory};
   bool whole = false;
   if (folder.present()) {
-    const char* const number = CutAtLastComma(folder.data());
-    whole = ParseProfileNumber(number) != 0;
-    path = FindPath(folder.data(), run.program_folder);
+    const FolderEntry parsed = ParseFolderEntry(folder.data());
+    whole = parsed.whole;
+    path = FindPath(parsed, run.program_folder);
   }
   if (path.obstacle == nullptr) return WriteFolder(run, path.text.c_str(), whole);
   run.report.WriteText(path.obstacle);
@@ -334,6 +331,15 @@ bool WriteEntry(ItemRun& run, const char* entry) {
 }
 
 }  // namespace
+
+FolderEntry ParseFolderEntry(char* entry) {
+  FolderEntry parsed;
+  parsed.whole = ParseProfileNumber(CutAtLastComma(entry)) != 0;
+  parsed.program_folder = SameTextIgnoringCase(entry, "<Run Folder>");
+  if (!parsed.program_folder) parsed.place = ParseRegistryPath(entry);
+  parsed.path = entry;
+  return parsed;
+}
 
 void ListFolderTree(ReportWriter& report, const char* folder, bool whole) {
   TreeListing(report, whole).List(folder);

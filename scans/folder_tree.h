@@ -2,8 +2,21 @@
 #pragma once
 
 #include "report/item.h"
+#include "scans/list_entry.h"
 
 namespace hostscope {
+
+// What an entry of the profile's list of folders names.
+struct FolderEntry {
+  bool whole = false;           // with the contents of its subfolders
+  bool program_folder = false;  // the program's own
+  RegistryPath place;           // of the value that holds the path, when it has a root
+  const char* path = nullptr;   // else the path itself
+};
+
+// PATH or PATH,number; PATH may be <Run Folder> or a registry path. The entry is cut in place; the
+// result points into it.
+FolderEntry ParseFolderEntry(char* entry);
 
 // Writes what is in a folder: a line for each subfolder, in the file system's order, then one for
 // each file, sorted by name, with its last write date (UTC), size and file version. With `whole` a

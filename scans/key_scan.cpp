@@ -40,20 +40,14 @@ void AppendFolder(const char* path, std::uint32_t folder_number, TextIndex& fold
   folders.AppendIfNew(entry.c_str());
 }
 
-// The last one or two fields of the entry, which they are cut from.
-struct ScanNumbers {
-  std::uint32_t subtree = 0;
-  std::uint32_t folder = 0;
-};
+}  // namespace
 
-ScanNumbers CutNumbers(char* entry) {
+ScanNumbers CutScanNumbers(char* entry) {
   const char* const last = CutAtLastComma(entry);
   const char* const before = CutAtLastComma(entry);
   if (before == nullptr) return {.subtree = ParseProfileNumber(last)};
   return {.subtree = ParseProfileNumber(before), .folder = ParseProfileNumber(last)};
 }
-
-}  // namespace
 
 bool IsFolderPathText(const char* text) {
   if (text[0] == '\\' && text[1] == '\\') return IsUncFolder(text);
@@ -79,7 +73,7 @@ bool ScanKeys(ItemRun& run) {
   for (int i = 0; i < entries.count(); ++i) {
     OwnedText entry = DuplicateText(entries.Get(i));
     if (!entry.present()) continue;
-    const ScanNumbers numbers = CutNumbers(entry.data());
+    const ScanNumbers numbers = CutScanNumbers(entry.data());
     const RegistryPath path = ParseRegistryPath(entry.data());
     if (path.root == nullptr) continue;
     const RegistryKey key = RegistryKey::OpenAsWritten(path.root, path.subkey, kWalkAccess);

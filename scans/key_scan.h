@@ -9,6 +9,15 @@
 
 namespace hostscope {
 
+// The numbers at the end of an entry.
+struct ScanNumbers {
+  std::uint32_t subtree = 0;
+  std::uint32_t folder = 0;  // that of the folders found
+};
+
+// Takes them from the entry's last one or two fields, which are cut off it.
+ScanNumbers CutScanNumbers(char* entry);
+
 // Whether the text is a folder's path: a letter, ":" and one backslash with no "?", "*", "<" or ">"
 // anywhere; or behind two backslashes a server, a share and a folder below it. Whether there is
 // such a folder does not count.

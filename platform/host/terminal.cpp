@@ -22,21 +22,14 @@ namespace {
 constexpr std::string_view kLastLine = "Press any key...";  // the program waits for a key then
 constexpr char kEscape = '\x1b';
 
-struct ButtonName {
+struct NamedButton {
   int id;
   const char* name;  // no two begin with the same letter
 };
-constexpr ButtonName kButtonNames[] = {
+constexpr NamedButton kButtonNames[] = {
     {IDOK, "OK"},         {IDCANCEL, "Cancel"}, {IDABORT, "Abort"}, {IDRETRY, "Retry"},
     {IDIGNORE, "Ignore"}, {IDYES, "Yes"},       {IDNO, "No"},
 };
-
-std::string NameOf(int button) {
-  for (const ButtonName& row : kButtonNames) {
-    if (row.id == button) return row.name;
-  }
-  return {};
-}
 
 std::string BoxText(const ShownMessageBox& box) {
   std::string text = "[" + TerminalText(box.caption) + "]\n" + TerminalText(box.text, true);
@@ -48,10 +41,10 @@ std::string BoxText(const ShownMessageBox& box) {
 std::string ButtonText(const ShownMessageBox& box) {
   std::string text;
   for (const int button : box.Buttons()) {
-    const std::string name = NameOf(button);
+    const std::string name = ButtonName(button);
     text += (text.empty() ? "[" : " / [") + name.substr(0, 1) + "]" + name.substr(1);
   }
-  return text + " (Enter: " + NameOf(box.DefaultButton()) + "): ";
+  return text + " (Enter: " + ButtonName(box.DefaultButton()) + "): ";
 }
 
 // What is read from a terminal may be several keys. Those that send more than a byte (arrows and
@@ -77,7 +70,7 @@ int ButtonFor(const ShownMessageBox& box, char key) {
   if (key == '\r' || key == '\n') return box.DefaultButton();
   if (key == kEscape) return box.EscapeButton();
   for (const int button : box.Buttons()) {
-    if (UpperCase(key) == NameOf(button)[0]) return button;
+    if (UpperCase(key) == ButtonName(button)[0]) return button;
   }
   return 0;
 }
@@ -144,6 +137,13 @@ sigset_t EndingSignals() {
 }
 
 }  // namespace
+
+std::string ButtonName(int button) {
+  for (const NamedButton& row : kButtonNames) {
+    if (row.id == button) return row.name;
+  }
+  return {};
+}
 
 // One thread waits for the desktop, the keyboard and signals, asks and answers; the list's lines
 // come on the desktop's own thread.
@@ -282,10 +282,10 @@ class Terminal::Session {
         if (answer == 0) answer = ButtonFor(box, key);
       }
     }
-    std::string said = NameOf(answer) + "\n";
+    std::string said = ButtonName(answer) + "\n";
     if (!asks_) {
       answer = box.Buttons().front();
-      said = "Answered \"" + NameOf(answer) + "\": there is no terminal to ask at.\n";
+      said = "Answered \"" + ButtonName(answer) + "\": there is no terminal to ask at.\n";
     }
     EndQuestion(said);
     if (answer != 0) desktop_.AnswerMessageBox(answer);

@@ -17,6 +17,9 @@ namespace host {
 // tab), line ends too unless they are kept.
 std::string TerminalText(std::string_view text, bool keep_line_ends = false);
 
+// The word on a message box's button, by its identifier; empty for a number that is none.
+std::string ButtonName(int button);
+
 // What the mail client would have shown, in words, lines with their ends.
 std::string MailSummary(const SentMail& mail);
 
