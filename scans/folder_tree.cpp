@@ -289,7 +289,7 @@ FolderPath ReadPathFromRegistry(const RegistryPath& place) {
 
 // The entry is cut in place.
 FolderPath FindPath(char* entry, const char* program_folder) {
-  if (SameTextIgnoringCase(entry, "<Run Folder>")) return CopyOfPath(program_folder);
+  if (SameTextIgnoringCase(entry, kRunFolderEntry)) return CopyOfPath(program_folder);
   const RegistryPath place = ParseRegistryPath(entry);
   return place.root != nullptr ? ReadPathFromRegistry(place) : CopyOfPath(entry);
 }

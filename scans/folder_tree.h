@@ -5,6 +5,9 @@
 
 namespace hostscope {
 
+// The entry, in any case, that stands for the folder of the program itself.
+inline constexpr char kRunFolderEntry[] = "<Run Folder>";
+
 // Writes what is in a folder: a line for each subfolder, in the file system's order, then one for
 // each file, sorted by name, with its last write date (UTC), size and file version. With `whole` a
 // subfolder's own contents follow its line, one level further to the right. A relative path must
