@@ -131,6 +131,7 @@ std::string ButtonWords(const ProfileSettings& settings) {
            std::to_string(settings.message_buttons) + ").";
   }
   std::vector<std::string> names;
+  names.reserve(buttons.size());
   for (const int button : buttons)
     names.push_back(ButtonName(button));
   std::string text = std::string(names.size() > 1 ? "with the buttons " : "with the button ") +

@@ -44,7 +44,8 @@ std::size_t NamedItems<Slot, Reference>::Number(std::string_view name) const {
 template <typename Slot, typename Reference>
 Reference NamedItems<Slot, Reference>::Find(std::string_view name) const {
   const std::size_t number = Number(name);
-  return number == kNotFound ? Reference() : Refer(slots_[number]);
+  if (number == kNotFound) return Reference();
+  return Refer(slots_[number]);
 }
 
 template <typename Slot, typename Reference>
