@@ -8,6 +8,8 @@
 #include <optional>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "linux/list_entry_check.h"
 #include "platform/host/code_page.h"
