@@ -293,8 +293,8 @@ void Check::CheckList(const CatalogueRow& row, const ProfileSection& section) {
     if (end > kListLimit) {
       Report(line.number, "the section is longer than " + std::to_string(kListLimit) +
                               " characters: this entry is " +
-                              (begin < kListLimit ? "cut, and those below are" : "") +
-                              " not seen; use several profiles");
+                              (begin < kListLimit ? "cut, and those below are " : "") +
+                              "not seen; use several profiles");
       return;
     }
     for (std::string& reason : CheckListEntry(row, entry))
