@@ -8,6 +8,8 @@
 #include <optional>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "linux/list_entry_check.h"
 #include "platform/host/code_page.h"
@@ -162,6 +164,8 @@ class Check {
   std::size_t LineAt(std::size_t offset) const {
     return 1 + CountLineEnds(std::string_view(content_).substr(0, offset));
   }
+  // A file with this many findings is none, and names near to those in it need not be looked for.
+  bool IsProfile() const { return findings_.size() < 1000; }
   bool IsUtf16() const {
     return content_.starts_with("\xFF\xFE") || content_.starts_with("\xFE\xFF");
   }
@@ -252,7 +256,7 @@ void Check::CheckSections() {
     const auto [first, is_new] = seen.try_emplace(name, section->number);
     const auto rows = rows_.find(name);
     if (rows == rows_.end()) {
-      const CatalogueRow* const nearest = NearestSection(name);
+      const CatalogueRow* const nearest = IsProfile() ? NearestSection(name) : nullptr;
       Report(section->number, "nothing reads the section " + QuotedForFinding(name) + ": " +
                                   (nearest == nullptr ? "leave it out, with its lines"
                                                       : "write " + Header(nearest->section)));
@@ -289,8 +293,8 @@ void Check::CheckList(const CatalogueRow& row, const ProfileSection& section) {
     if (end > kListLimit) {
       Report(line.number, "the section is longer than " + std::to_string(kListLimit) +
                               " characters: this entry is " +
-                              (begin < kListLimit ? "cut, and those below are" : "") +
-                              " not seen; use several profiles");
+                              (begin < kListLimit ? "cut, and those below are " : "") +
+                              "not seen; use several profiles");
       return;
     }
     for (std::string& reason : CheckListEntry(row, entry))
@@ -314,7 +318,8 @@ void Check::CheckKeys(const Rows& rows, const ProfileSection& section) {
       return EqualNoCase(r->key, line.key);
     });
     if (found == rows.end()) {
-      Report(line.number, UnknownKeyReason(section.name, line.key));
+      Report(line.number,
+             IsProfile() ? UnknownKeyReason(section.name, line.key) : "nothing reads the line");
       continue;
     }
     const auto [first, is_new] = seen.try_emplace(*found, line.number);

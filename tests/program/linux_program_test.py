@@ -162,9 +162,28 @@ class LinuxProgramTest(unittest.TestCase):
             self.assertEqual((result.returncode, result.stderr), (0, b""))
             self.assertRegex(result.stdout.decode("utf-8"), f"^{said}$")
 
+    def test_a_checked_profile_is_answered_by_the_exit_code(self):
+        head = b"[GENERAL]\r\nSign=Hostscope INI file\r\n"
+        (self.folder / "good.ini").write_bytes(head)
+        (self.folder / "bad.ini").write_bytes(head + b"[DISPLAY]\r\nMaxResolution\xe9=1\r\n")
+        cases = [
+            ("good.ini", 0, "good.ini: no findings\n", ""),
+            ("bad.ini", 1, 'bad.ini:4: nothing reads the key "MaxResolution\u00e9"', ""),
+            ("none.ini", 2, "", "none.ini: there is no such file"),
+            (".", 2, "", "is not a file"),
+        ]
+        for name, code, output, error in cases:
+            with self.subTest(name):
+                result = self.run_hscope("--check-profile", name)
+                self.assertEqual(result.returncode, code)
+                self.assertIn(output, result.stdout.decode("utf-8"))
+                self.assertIn(error, result.stderr.decode("utf-8"))
+                self.assertEqual(result.stderr == b"", code != 2)
+
     def test_wrong_arguments_are_refused(self):
         for arguments in ([], ["--machine"], ["--colour"], ["--machine", MACHINES / "winxp", "a.ini", "b", "c"],
-                          ["--machine", MACHINES / "winxp", 'a"b.ini']):
+                          ["--machine", MACHINES / "winxp", 'a"b.ini'], ["--check-profile"],
+                          ["--check-profile", "a.ini", "b.ini"]):
             with self.subTest(arguments):
                 result = self.run_hscope(*arguments)
                 self.assertEqual(result.returncode, 2)
