@@ -13,6 +13,8 @@ find_package(Threads REQUIRED)
 add_library(fuzzed OBJECT ${PROGRAM_SOURCES} ${HOST_SOURCES} tests/support/test_folder.cpp)
 target_include_directories(fuzzed PUBLIC ${PROJECT_SOURCE_DIR})
 target_link_libraries(fuzzed PUBLIC Threads::Threads)
+target_precompile_headers(fuzzed PRIVATE <algorithm> <chrono> <filesystem> <functional> <map> <memory>
+                           <mutex> <string> <vector> platform/win32.h)
 
 file(GLOB FUZZ_TARGETS CONFIGURE_DEPENDS tests/fuzz/*_fuzz.cpp)
 foreach(source IN LISTS FUZZ_TARGETS)

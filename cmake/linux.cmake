@@ -26,8 +26,8 @@ if(HOSTSCOPE_COVERAGE)
 endif()
 if(HOSTSCOPE_SANITIZE)
   # The plain build goes without, and so finds what a source forgets to include.
-  target_precompile_headers(hostscope PRIVATE <filesystem> <functional> <map> <memory> <string>
-                            <vector>)
+  target_precompile_headers(hostscope PRIVATE <algorithm> <chrono> <filesystem> <functional> <map>
+                            <memory> <mutex> <string> <vector> platform/win32.h)
 endif()
 
 add_executable(hscope linux/main.cpp)

@@ -23,6 +23,15 @@ function(add_ordinary_exe name)
   target_link_options(${name} PRIVATE -static)
 endfunction()
 
+# Twice as fast to build; nearly all time of a test goes by in what it tests.
+function(add_tests_exe name)
+  add_ordinary_exe(${name} ${ARGN})
+  target_compile_options(${name} PRIVATE -O0)
+  target_link_libraries(${name} PRIVATE GTest::gtest_main)
+  target_precompile_headers(${name} PRIVATE <gtest/gtest.h> <filesystem> <functional> <map>
+                            <memory> <string> <vector> ${PROJECT_SOURCE_DIR}/platform/win32.h)
+endfunction()
+
 add_ordinary_exe(dialog_watch tools/dialog_watch.cpp)
 add_ordinary_exe(scan_times bench/scan_times.cpp tests/windows/driver.cpp
                  tests/windows/surroundings.cpp tests/windows/interception.cpp)
@@ -50,9 +59,8 @@ if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
 
   file(GLOB EXE_TEST_SOURCES CONFIGURE_DEPENDS tests/windows/*.cpp)
   if(EXE_TEST_SOURCES)
-    add_ordinary_exe(exe_tests ${EXE_TEST_SOURCES})
-    target_link_libraries(exe_tests PRIVATE GTest::gtest_main setupapi version winmm winspool
-                          wsock32)
+    add_tests_exe(exe_tests ${EXE_TEST_SOURCES})
+    target_link_libraries(exe_tests PRIVATE setupapi version winmm winspool wsock32)
     target_compile_definitions(exe_tests PRIVATE
                                HOSTSCOPE_FULL_PROFILE="Z:${PROJECT_SOURCE_DIR}/profiles/full.ini"
                                HOSTSCOPE_REPORTS_FOLDER="Z:${PROJECT_SOURCE_DIR}/tests/reports")
@@ -91,8 +99,8 @@ if(EXISTS ${GOOGLETEST_FOLDER}/CMakeLists.txt)
 
   file(GLOB CONTRACT_SOURCES CONFIGURE_DEPENDS tests/contract/*.cpp)
   if(CONTRACT_SOURCES)
-    add_ordinary_exe(contract_tests ${CONTRACT_SOURCES})
-    target_link_libraries(contract_tests PRIVATE GTest::gtest_main version winmm)
+    add_tests_exe(contract_tests ${CONTRACT_SOURCES})
+    target_link_libraries(contract_tests PRIVATE version winmm)
   endif()
 endif()
 

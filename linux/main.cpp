@@ -1,15 +1,21 @@
-// The Linux program: runs the program on a described machine, seen from a terminal.
+// The Linux program: runs the program on a described machine, seen from a terminal, or checks a
+// profile.
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "linux/profile_check.h"
+#include "linux/profile_summary.h"
 #include "platform/host/code_page.h"
 #include "platform/host/machine.h"
 #include "platform/host/machine_folder.h"
@@ -24,22 +30,27 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr int kFindings = 1;
 constexpr int kRefused = 2;
 
 constexpr const char* kUsage =
     "Usage: hscope --machine DIR [--debug-output] [profile] [output folder]\n"
+    "       hscope --check-profile FILE\n"
     "\n"
     "Inspects the machine that the folder DIR describes and writes the report that the\n"
     "profile asks for. Without a profile the current folder is searched for one; without an\n"
     "output folder the report goes to the current folder, unless the profile says otherwise.\n"
     "In place of a profile: a shows the authors, h or ? the usage of the program itself.\n"
     "\n"
-    "  --machine DIR   the machine's folder\n"
-    "  --debug-output  what a debugger would be told goes to standard error\n"
-    "  --help          shows this text\n"
-    "  --version       shows the version\n"
+    "  --machine DIR         the machine's folder\n"
+    "  --debug-output        what a debugger would be told goes to standard error\n"
+    "  --check-profile FILE  lists what in a profile cannot do what was meant, as\n"
+    "                        FILE:LINE: reason, and inspects nothing\n"
+    "  --help                shows this text\n"
+    "  --version             shows the version\n"
     "\n"
-    "Exit code: 0; 2 when the arguments or the machine cannot be used.\n";
+    "Exit code: 0; 1 when a checked profile has findings; 2 when the arguments, the machine\n"
+    "or the file cannot be used.\n";
 
 // A wrong argument or machine: what is said before the program ends with code 2.
 struct Refusal {
@@ -52,6 +63,7 @@ struct Arguments {
   bool version = false;
   bool debug_output = false;
   std::optional<std::string> machine;
+  std::optional<std::string> checked_profile;
   std::vector<std::string> program;  // profile and output folder
 };
 
@@ -80,6 +92,10 @@ Arguments ReadArguments(const std::vector<std::string>& given) {
       if (++at == given.size()) throw Refusal{"--machine takes a folder", true};
       if (arguments.machine) throw Refusal{"--machine is there twice", true};
       arguments.machine = given[at];
+    } else if (argument == "--check-profile") {
+      if (++at == given.size()) throw Refusal{"--check-profile takes a file", true};
+      if (arguments.checked_profile) throw Refusal{"--check-profile is there twice", true};
+      arguments.checked_profile = given[at];
     } else if (argument.starts_with('-')) {
       throw Refusal{"unknown option " + argument, true};
     } else {
@@ -87,6 +103,11 @@ Arguments ReadArguments(const std::vector<std::string>& given) {
     }
   }
   if (arguments.help || arguments.version) return arguments;
+  if (arguments.checked_profile) {
+    if (arguments.machine || arguments.debug_output || !arguments.program.empty())
+      throw Refusal{"--check-profile FILE goes with nothing else", true};
+    return arguments;
+  }
   if (!arguments.machine) throw Refusal{"--machine DIR is missing", true};
   if (arguments.program.size() > 2) throw Refusal{"too many arguments", true};
   return arguments;
@@ -185,6 +206,31 @@ int Run(const Arguments& arguments) {
   return exit_code;
 }
 
+std::string ReadFile(const std::string& path) {
+  if (!fs::exists(path)) throw Refusal{path + ": there is no such file"};
+  if (!fs::is_regular_file(path)) throw Refusal{path + ": is not a file"};
+  std::ifstream file(path, std::ios::binary);
+  std::string content{std::istreambuf_iterator<char>(file), {}};
+  if (!file) throw Refusal{path + ": cannot be read"};
+  return content;
+}
+
+// A file that is no profile at all has a finding in every line.
+constexpr std::size_t kMostFindings = 200;
+
+int CheckProfileFile(const std::string& path) {
+  const std::vector<ProfileFinding> findings = CheckProfile(ReadFile(path));
+  const std::size_t shown = std::min(findings.size(), kMostFindings);
+  for (std::size_t i = 0; i < shown; ++i)
+    std::cout << path << ":" << findings[i].line << ": " << TerminalText(findings[i].reason)
+              << "\n";
+  if (findings.empty()) std::cout << path << ": no findings\n";
+  if (shown < findings.size())
+    std::cout << path << ": " << findings.size() - shown << " further findings are not shown\n";
+  std::cout << "\n" << ProfileSummary(path);
+  return findings.empty() ? 0 : kFindings;
+}
+
 int Main(const std::vector<std::string>& given) {
   try {
     const Arguments arguments = ReadArguments(given);
@@ -192,6 +238,8 @@ int Main(const std::vector<std::string>& given) {
       std::cout << kUsage;
     } else if (arguments.version) {
       std::cout << VersionText() << "\n";
+    } else if (arguments.checked_profile) {
+      return CheckProfileFile(*arguments.checked_profile);
     } else {
       return Run(arguments);
     }

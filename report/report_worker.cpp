@@ -11,9 +11,6 @@
 namespace hostscope {
 namespace {
 
-// The one work area of a run: a whole profile section, a collector's text, a formatted line.
-inline constexpr std::size_t kWorkAreaSize = 32767;
-
 bool IsSectionOn(const Section& section, const ProfileSettings& settings) {
   if (section.list != nullptr) return (settings.*section.list).count() > 0;
   return AnySwitchOn(settings, section.profile_section);

@@ -6,6 +6,9 @@
 
 namespace hostscope {
 
+// The one work area of a run: a whole profile section, a collector's text, a formatted line.
+inline constexpr std::size_t kWorkAreaSize = 32767;
+
 // The whole report, run once per process on the worker thread: reads the rest of the profile,
 // creates the report file, walks the sections, closes it and, when the profile asks for it, has the
 // shell open it. A profile that cannot be opened and a report file that cannot be created end the

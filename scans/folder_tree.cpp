@@ -335,7 +335,7 @@ bool WriteEntry(ItemRun& run, const char* entry) {
 FolderEntry ParseFolderEntry(char* entry) {
   FolderEntry parsed;
   parsed.whole = ParseProfileNumber(CutAtLastComma(entry)) != 0;
-  parsed.program_folder = SameTextIgnoringCase(entry, "<Run Folder>");
+  parsed.program_folder = SameTextIgnoringCase(entry, kRunFolderEntry);
   if (!parsed.program_folder) parsed.place = ParseRegistryPath(entry);
   parsed.path = entry;
   return parsed;

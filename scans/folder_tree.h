@@ -6,6 +6,9 @@
 
 namespace hostscope {
 
+// The entry, in any case, that stands for the folder of the program itself.
+inline constexpr char kRunFolderEntry[] = "<Run Folder>";
+
 // What an entry of the profile's list of folders names.
 struct FolderEntry {
   bool whole = false;           // with the contents of its subfolders

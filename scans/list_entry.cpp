@@ -1,19 +1,11 @@
 #include "scans/list_entry.h"
 
-#include <cstdint>
-
 #include "util/text.h"
 
 namespace hostscope {
 namespace {
 
-struct Hive {
-  const char* abbreviation;
-  const char* name;
-  std::uint32_t root;  // the number of the predefined handle
-};
-
-constexpr Hive kHiveTable[] = {
+constexpr HiveName kHiveTable[] = {
     {"HKCR", "HKEY_CLASSES_ROOT", 0x80000000},
     {"HKCC", "HKEY_CURRENT_CONFIG", 0x80000005},
     {"HKCU", "HKEY_CURRENT_USER", 0x80000001},
@@ -25,19 +17,23 @@ constexpr Hive kHiveTable[] = {
 
 // By the characters before the backslash; they are compared on a copy, so that the entry of another
 // kind stays whole.
-const Hive* FindHive(const char* entry, const char* backslash) {
+const HiveName* FindHive(const char* entry, const char* backslash) {
   char abbreviation[8] = {};
   const std::size_t length =
       backslash == nullptr ? TextLength(entry) : static_cast<std::size_t>(backslash - entry);
   if (length >= sizeof abbreviation) return nullptr;
   CopyText(abbreviation, length + 1, entry);
-  for (const Hive& hive : kHiveTable) {
+  for (const HiveName& hive : kHiveTable) {
     if (SameTextIgnoringCase(abbreviation, hive.abbreviation)) return &hive;
   }
   return nullptr;
 }
 
 }  // namespace
+
+std::span<const HiveName> Hives() {
+  return kHiveTable;
+}
 
 char* CutAtLastComma(char* text) {
   const char* const comma = FindLastCharacter(text, ',');
@@ -48,7 +44,7 @@ char* CutAtLastComma(char* text) {
 
 RegistryPath ParseRegistryPath(char* entry) {
   char* const backslash = FindCharacter(entry, '\\');
-  const Hive* const hive = FindHive(entry, backslash);
+  const HiveName* const hive = FindHive(entry, backslash);
   if (hive == nullptr) return {};
   RegistryPath path;
   path.root = reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(hive->root));

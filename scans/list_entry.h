@@ -2,6 +2,9 @@
 // and the abbreviations of registry hives.
 #pragma once
 
+#include <cstdint>
+#include <span>
+
 #include "platform/win32.h"
 
 namespace hostscope {
@@ -9,6 +12,15 @@ namespace hostscope {
 // Ends the text at its last comma and answers what stood behind it; null, the text untouched, when
 // it has no comma.
 char* CutAtLastComma(char* text);
+
+struct HiveName {
+  const char* abbreviation;  // as entries have it
+  const char* name;          // in full, as reports show it; no entry has it
+  std::uint32_t root;        // the number of the predefined handle
+};
+
+// The hives that an entry may name.
+std::span<const HiveName> Hives();
 
 // A place in the registry as an entry names it.
 struct RegistryPath {

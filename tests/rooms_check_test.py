@@ -21,6 +21,10 @@ CASES = [
     ("a question for the platform, spelled out", "util/text.cpp", "#if defined(_WIN32)", 1),
     ("the standard library", "util/text.cpp", "#include <algorithm>\n#include <stdarg.h>", 0),
     ("an include that points down", "app/entry.cpp", '#include "util/text.h"', 0),
+    ("the Linux program that knows the layer and the report", "linux/main.cpp",
+     '#include "platform/host/machine.h"\n#include "report/section_table.h"', 0),
+    ("the layer that knows the Linux program", "platform/host/machine.cpp",
+     '#include "linux/main.h"', 1),
 ]
 
 

@@ -11,15 +11,14 @@ namespace {
 // Longest section name that a header is looked for; the program's own are far shorter.
 inline constexpr std::size_t kLongestHeader = 64;
 
-// The text after the header [name], or null.
-const char* FindHeaderEnd(const char* text, const char* name) {
+// The place of the header [name], or null.
+const char* FindHeader(const char* text, const char* name) {
   char header[kLongestHeader + 3] = "[";
   const std::size_t length = TextLength(name);
   if (length > kLongestHeader) return nullptr;
   CopyText(header + 1, sizeof header - 1, name);
   header[length + 1] = ']';
-  const char* const found = FindText(text, header);
-  return found == nullptr ? nullptr : found + TextLength(header);
+  return FindText(text, header);
 }
 
 // The end of the text without the line break that stands before it.
@@ -44,16 +43,23 @@ ProfileText ProfileText::Load(const char* path) {
   return result;
 }
 
+ProfileText::Body ProfileText::FindBody(const char* text, const char* name) {
+  Body body{.header = FindHeader(text, name)};
+  if (body.header == nullptr) return body;
+  body.start = body.header + TextLength(name) + 2;
+  // The line break of the header line: two characters, whatever they are.
+  body.start += TextLength(body.start) >= 2 ? 2 : 0;
+  const char* const next_section = FindCharacter(body.start, '[');
+  body.boundary = next_section != nullptr ? next_section : body.start + TextLength(body.start);
+  body.end = WithoutLineBreak(body.start, body.boundary);
+  return body;
+}
+
 OwnedText ProfileText::SectionBody(const char* name) const {
   if (!present()) return {};
-  const char* start = FindHeaderEnd(text_.c_str(), name);
-  if (start == nullptr) return {};
-  // The line break of the header line: two characters, whatever they are.
-  start += TextLength(start) >= 2 ? 2 : 0;
-  const char* const next_section = FindCharacter(start, '[');
-  const char* const end = next_section != nullptr ? next_section : start + TextLength(start);
-  const char* const body_end = WithoutLineBreak(start, end);
-  return CopyOfText(start, static_cast<std::size_t>(body_end - start));
+  const Body body = FindBody(text_.c_str(), name);
+  if (body.header == nullptr) return {};
+  return CopyOfText(body.start, static_cast<std::size_t>(body.end - body.start));
 }
 
 }  // namespace hostscope

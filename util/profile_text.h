@@ -8,6 +8,17 @@ namespace hostscope {
 // would cut into keys.
 class ProfileText {
  public:
+  // Places in a text.
+  struct Body {
+    const char* header = nullptr;  // its "["; null when there is no such header
+    const char* start = nullptr;
+    const char* end = nullptr;       // without the final line break
+    const char* boundary = nullptr;  // the next "[" or the end of the text
+  };
+
+  // Where the body of the section [name] stands in the text of a file, as SectionBody finds it.
+  static Body FindBody(const char* text, const char* name);
+
   // Opens the file for reading, shared with other readers. A file that cannot be opened or read
   // gives a text of nothing, in which no section is found.
   static ProfileText Load(const char* path);

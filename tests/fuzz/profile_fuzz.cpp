@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "linux/profile_check.h"
 #include "platform/host/machine.h"
 #include "profile/read_profile.h"
 #include "tests/support/test_folder.h"
@@ -53,6 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (size > kLongest) return 0;
   static const test::TestFolder folder;
   folder.Write("p.ini", {reinterpret_cast<const char*>(data), size});
+  host::CheckProfile({reinterpret_cast<const char*>(data), size});
   static std::array<host::Machine, 2> machines;
   for (std::size_t i = 0; i < machines.size(); ++i) {
     host::Machine& machine = machines[i];
