@@ -50,6 +50,10 @@ add_test(NAME lint.finds_faults COMMAND Python3::Interpreter
          ${PROJECT_SOURCE_DIR}/tests/lint_test.py ${PROJECT_SOURCE_DIR}/tools/lint.sh)
 set_tests_properties(lint.finds_faults PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 120)
 
+# The links of the pages, and the shape of the sample profiles.
+add_test(NAME pages COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/tests/docs/pages_test.py
+         ${PROJECT_SOURCE_DIR})
+
 # The Linux program as a user starts it.
 add_test(NAME linux_program
          COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/tests/program/linux_program_test.py
