@@ -69,9 +69,14 @@ std::string HiveReason(std::string_view entry, const char* consequence) {
          ": begin it with one of " + Abbreviations() + " and a backslash";
 }
 
+// What a parser that ends the text earlier leaves of it.
+std::string BeforeZero(const std::string& text) {
+  return text.substr(0, text.find('\0'));
+}
+
 // The entry without its numbers.
-void CheckRegistryPlace(std::string entry, Reasons& reasons) {
-  const std::string whole = entry;
+void CheckRegistryPlace(const std::string& whole, Reasons& reasons) {
+  std::string entry = whole;
   const hostscope::RegistryPath place = hostscope::ParseRegistryPath(entry.data());
   if (place.root == nullptr) {
     reasons.push_back(HiveReason(whole, "left out"));
@@ -81,17 +86,19 @@ void CheckRegistryPlace(std::string entry, Reasons& reasons) {
   }
 }
 
-void CheckRegistryKey(std::string entry, Reasons& reasons) {
+void CheckRegistryKey(const std::string& whole, Reasons& reasons) {
+  std::string entry = whole;
   CheckNumber(CutAtLastComma(entry.data()), kPlainNumber, reasons);
-  CheckRegistryPlace(entry.c_str(), reasons);
+  CheckRegistryPlace(BeforeZero(entry), reasons);
 }
 
-void CheckScanKey(std::string entry, Reasons& reasons) {
+void CheckScanKey(const std::string& whole, Reasons& reasons) {
+  std::string entry = whole;
   const char* const last = CutAtLastComma(entry.data());
   const char* const before = CutAtLastComma(entry.data());
   CheckNumber(before, kPlainNumber, reasons);
   CheckNumber(last, kPlainNumber, reasons);
-  CheckRegistryPlace(entry.c_str(), reasons);
+  CheckRegistryPlace(BeforeZero(entry), reasons);
 }
 
 bool HoldsVariable(std::string_view path) {
@@ -119,9 +126,10 @@ bool LooksLikeHive(std::string_view entry) {
           EqualNoCase(name.substr(0, 2), "HK"));
 }
 
-void CheckFolder(std::string entry, Reasons& reasons) {
+void CheckFolder(const std::string& whole, Reasons& reasons) {
+  std::string entry = whole;
   const char* const number = CutAtLastComma(entry.data());
-  const std::string folder = entry.c_str();
+  const std::string folder = BeforeZero(entry);
   std::string place = folder;
   const bool in_registry = hostscope::ParseRegistryPath(place.data()).root != nullptr;
   CheckNumber(number,
