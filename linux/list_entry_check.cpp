@@ -149,7 +149,8 @@ void CheckFolder(const std::string& whole, Reasons& reasons) {
   }
 }
 
-void CheckPlugIn(std::string entry, Reasons& reasons) {
+void CheckPlugIn(const std::string& whole, Reasons& reasons) {
+  std::string entry = whole;
   const char* const function = CutAtLastComma(entry.data());
   if (function == nullptr || *function == '\0') {
     reasons.emplace_back(
