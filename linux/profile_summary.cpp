@@ -15,6 +15,7 @@
 #include "platform/host/terminal.h"
 #include "profile/catalogue.h"
 #include "profile/read_profile.h"
+#include "report/report_worker.h"
 #include "report/section_table.h"
 #include "scans/folder_tree.h"
 #include "scans/key_scan.h"
@@ -33,7 +34,6 @@ using hostscope::StringList;
 using List = StringList ProfileSettings::*;
 
 constexpr char kUnreadable[] = "The profile can not be read.\n";
-constexpr std::size_t kSectionSize = 32767;  // of a list, as a run reads it
 
 // Lines in the code page, where a byte is a column.
 class Page {
@@ -337,7 +337,7 @@ std::string ProgramPath(const std::string& path) {
 
 void AddSummary(const std::string& path, Page& page) {
   const auto settings = std::make_unique<ProfileSettings>();
-  std::vector<char> work(kSectionSize);
+  std::vector<char> work(hostscope::kWorkAreaSize);
   hostscope::CreateLists(*settings);
   for (const ReadMoment moment :
        {ReadMoment::kStartUp, ReadMoment::kMessage, ReadMoment::kDialog, ReadMoment::kWorker}) {
