@@ -13,7 +13,8 @@ namespace host {
 std::vector<std::string> CheckListEntry(const hostscope::CatalogueRow& row,
                                         const std::string& entry);
 
-// The text between quotes, cut when it is long.
-std::string QuotedForFinding(std::string_view text);
+// A key written as other programs write it (Computer\HKEY_USERS\A, HKU/A, ...), as an entry names
+// it; empty for a text that means no key.
+std::string RegistryEntryMeant(std::string_view text);
 
 }  // namespace host

@@ -11,13 +11,17 @@
 #include <utility>
 #include <vector>
 
+#include "linux/free_text_check.h"
 #include "linux/list_entry_check.h"
+#include "linux/near_names.h"
+#include "linux/path_check.h"
 #include "platform/host/code_page.h"
+#include "platform/host/desktop.h"
 #include "platform/host/profile_file.h"
+#include "platform/win32.h"
 #include "profile/catalogue.h"
 #include "report/report_worker.h"
 #include "report/section_table.h"
-#include "util/profile_text.h"
 
 namespace host {
 namespace {
@@ -25,71 +29,11 @@ namespace {
 using hostscope::Catalogue;
 using hostscope::CatalogueRow;
 using hostscope::ProfileSettings;
-using hostscope::ProfileText;
 using hostscope::ReadMethod;
 
 constexpr std::size_t kWholeFile = SIZE_MAX;
 constexpr std::size_t kOldFileLimit = 65536;  // what Windows 95, 98 and Me read of a file
 constexpr std::size_t kListLimit = hostscope::kWorkAreaSize - 2;  // two zeros end a list
-constexpr std::size_t kIntegerTextLimit = 29;  // characters of a value that are looked at for it
-
-std::string Header(std::string_view section) {
-  return "[" + std::string(section) + "]";
-}
-
-// By how many letters the names differ, whatever their case.
-std::size_t Distance(std::string_view left, std::string_view right) {
-  std::vector<std::size_t> row(right.size() + 1);
-  for (std::size_t j = 0; j < row.size(); ++j)
-    row[j] = j;
-  for (std::size_t i = 1; i <= left.size(); ++i) {
-    std::size_t diagonal = row[0];
-    row[0] = i;
-    for (std::size_t j = 1; j < row.size(); ++j) {
-      const bool same = LowerCase(left[i - 1]) == LowerCase(right[j - 1]);
-      const std::size_t replaced = diagonal + (same ? 0 : 1);
-      diagonal = row[j];
-      row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
-    }
-  }
-  return row.back();
-}
-
-// Whether one may be a slip of the other.
-bool IsNear(std::string_view left, std::string_view right, std::size_t distance) {
-  return distance <= std::clamp<std::size_t>(std::max(left.size(), right.size()) / 3, 1, 3);
-}
-
-constexpr std::size_t kLongestName = 64;  // of which a near one is looked for
-
-const CatalogueRow* NearestSection(std::string_view name) {
-  const CatalogueRow* nearest = nullptr;
-  std::size_t least = SIZE_MAX;
-  if (name.size() > kLongestName) return nullptr;
-  for (const CatalogueRow& row : Catalogue()) {
-    const std::size_t distance = Distance(name, row.section);
-    if (distance >= least || !IsNear(name, row.section, distance)) continue;
-    least = distance;
-    nearest = &row;
-  }
-  return nearest;
-}
-
-// One of the section itself goes before one of another at the same distance.
-const CatalogueRow* NearestKey(std::string_view section, std::string_view key) {
-  const CatalogueRow* nearest = nullptr;
-  std::size_t least = SIZE_MAX;
-  if (key.size() > kLongestName) return nullptr;
-  for (const CatalogueRow& row : Catalogue()) {
-    if (row.key == nullptr) continue;
-    const std::size_t distance = Distance(key, row.key);
-    const std::size_t rank = 2 * distance + (EqualNoCase(row.section, section) ? 0 : 1);
-    if (rank >= least || !IsNear(key, row.key, distance)) continue;
-    least = rank;
-    nearest = &row;
-  }
-  return nearest;
-}
 
 std::string UnknownKeyReason(std::string_view section, std::string_view key) {
   if (key.empty()) return "there is no key before the \"=\", so the line does nothing";
@@ -97,7 +41,8 @@ std::string UnknownKeyReason(std::string_view section, std::string_view key) {
   const CatalogueRow* const nearest = NearestKey(section, key);
   if (nearest == nullptr) return reason + "leave the line out";
   reason.append("write ").append(nearest->key);
-  if (!EqualNoCase(nearest->section, section)) reason += " below " + Header(nearest->section);
+  if (!EqualNoCase(nearest->section, section))
+    reason += " below " + SectionHeader(nearest->section);
   return reason;
 }
 
@@ -144,12 +89,9 @@ class Check {
   std::vector<ProfileFinding> Run() {
     CheckFile();
     CheckSign();
+    CheckOldSections();
     CheckSections();
-    if (!IsUtf16()) {
-      for (const CatalogueRow& row : Catalogue()) {
-        if (row.method == ReadMethod::kFreeText) CheckFreeText(row);
-      }
-    }
+    CheckFreeTexts();
     std::stable_sort(findings_.begin(), findings_.end(),
                      [](const auto& a, const auto& b) { return a.line < b.line; });
     return std::move(findings_);
@@ -160,6 +102,9 @@ class Check {
 
   void Report(std::size_t line, std::string reason) {
     findings_.push_back({line, std::move(reason)});
+  }
+  std::size_t MostCharacters(const CatalogueRow& row) const {
+    return row.text(*settings_).size() - 1;
   }
   std::size_t LineAt(std::size_t offset) const {
     return 1 + CountLineEnds(std::string_view(content_).substr(0, offset));
@@ -173,15 +118,19 @@ class Check {
   void CheckFile();
   void CheckBytes();
   void CheckSign();
+  void CheckOldSections();
   void CheckSections();
+  std::string UnknownSectionReason(const ProfileSection& section, std::string_view before);
   void CheckSection(const Rows& rows, const ProfileSection& section);
   void CheckList(const CatalogueRow& row, const ProfileSection& section);
   void CheckKeys(const Rows& rows, const ProfileSection& section);
   void CheckInteger(const CatalogueRow& row, std::size_t line, std::string_view value);
   void CheckMeaning(const CatalogueRow& row, std::size_t line, std::int32_t number);
   void CheckText(const CatalogueRow& row, std::size_t line, std::string_view value);
-  void CheckFreeText(const CatalogueRow& row);
-  void CheckBody(const CatalogueRow& row, const ProfileText::Body& body);
+  void CheckFreeTexts();
+  void CheckReportName(std::size_t line, std::string_view name);
+  void CheckMessage(std::size_t line);
+  void CheckButtons(std::size_t line, std::int32_t number);
 
   const std::string& content_;
   const ProfileFile file_;
@@ -233,13 +182,27 @@ void Check::CheckSign() {
     const ProfileSection* const section = file_.Find(row.section);
     const ProfileLine* const line = section == nullptr ? nullptr : section->Find(row.key);
     if (section == nullptr) {
-      Report(1, "there is no section " + Header(row.section) + advice + " below it");
+      Report(1, "there is no section " + SectionHeader(row.section) + advice + " below it");
     } else if (line == nullptr) {
       Report(section->number, std::string(row.key) + " is missing" + advice);
     } else if (WithoutProfileQuotes(line->value.value_or("")) != hostscope::kProfileSign) {
       Report(line->number,
              std::string(row.key) + " is not what marks a profile" + advice + ", to the letter");
     }
+  }
+}
+
+// Lines that begin too far behind their header are not there for the older systems.
+void Check::CheckOldSections() {
+  const ProfileFile seen(content_, kOldSectionLimit);
+  for (std::size_t i = 1; i < file_.sections().size(); ++i) {
+    const std::vector<ProfileLine>& lines = file_.sections()[i].lines;
+    const std::size_t count = seen.sections()[i].lines.size();
+    if (count == lines.size() || !rows_.contains(std::string(file_.sections()[i].name))) continue;
+    Report(lines[count].number,
+           "this line begins more than " + std::to_string(kOldSectionLimit) +
+               " bytes behind its header: Windows 95, 98 and Me see nothing of the section from "
+               "here on; shorten what stands above it, comments too");
   }
 }
 
@@ -256,13 +219,12 @@ void Check::CheckSections() {
     const auto [first, is_new] = seen.try_emplace(name, section->number);
     const auto rows = rows_.find(name);
     if (rows == rows_.end()) {
-      const CatalogueRow* const nearest = IsProfile() ? NearestSection(name) : nullptr;
-      Report(section->number, "nothing reads the section " + QuotedForFinding(name) + ": " +
-                                  (nearest == nullptr ? "leave it out, with its lines"
-                                                      : "write " + Header(nearest->section)));
+      Report(section->number, UnknownSectionReason(*section, (section - 1)->name));
+    } else if (rows->second.front()->method == ReadMethod::kFreeText) {
+      continue;  // its lines are text
     } else if (!is_new) {
-      Report(section->number, "the section " + Header(rows->first) + " is there since line " +
-                                  std::to_string(first->second) +
+      Report(section->number, "the section " + SectionHeader(rows->first) +
+                                  " is there since line " + std::to_string(first->second) +
                                   ", and only the first one counts: move these lines there");
     } else {
       CheckSection(rows->second, *section);
@@ -270,10 +232,25 @@ void Check::CheckSections() {
   }
 }
 
+// The name before it may be that of a text, which this header ends.
+std::string Check::UnknownSectionReason(const ProfileSection& section, std::string_view before) {
+  const std::string nothing = "nothing reads the section " + QuotedForFinding(section.name) + ": ";
+  const std::string key = RegistryEntryMeant(section.name);
+  if (!key.empty()) return nothing + "write " + key + " without brackets, as a line of a list";
+  const CatalogueRow* const nearest = IsProfile() ? NearestSection(section.name) : nullptr;
+  if (nearest != nullptr) return nothing + "write " + SectionHeader(nearest->section);
+  const auto text = rows_.find(std::string(before));
+  if (text != rows_.end() && text->second.front()->method == ReadMethod::kFreeText) {
+    return nothing + "leave it out, or when it was meant for the text of " +
+           SectionHeader(text->first) + ", which it ends, write another bracket";
+  }
+  return nothing + "leave it out, with its lines";
+}
+
 void Check::CheckSection(const Rows& rows, const ProfileSection& section) {
   switch (rows.front()->method) {
     case ReadMethod::kFreeText:
-      return;  // its lines are text
+      return;
     case ReadMethod::kList:
       CheckList(*rows.front(), section);
       return;
@@ -353,18 +330,15 @@ void Check::CheckInteger(const CatalogueRow& row, std::size_t line, std::string_
 }
 
 void Check::CheckMeaning(const CatalogueRow& row, std::size_t line, std::int32_t number) {
-  constexpr std::int32_t kLastFolder = 3;   // the program's own, by agreement
-  constexpr std::int32_t kLastButtons = 5;  // MB_RETRYCANCEL
-  constexpr std::int32_t kButtonsMask = 0xF;
+  constexpr std::int32_t kLastFolder = 3;  // the program's own, by agreement
   if (row.number == &ProfileSettings::output_folder && (number < 0 || number > kLastFolder)) {
     Report(line, std::string(row.key) +
                      " knows the numbers 0 to 3, and any other one means the "
                      "program's own folder: write 3 for that");
-  } else if (row.number == &ProfileSettings::message_buttons &&
-             (number & kButtonsMask) > kLastButtons) {
-    Report(line, "there are no buttons of the kind " + std::to_string(number & kButtonsMask) +
-                     ", so the message is not shown and the run goes on: write 0 to 5, and 256 or "
-                     "512 added to it");
+  } else if (row.number == &ProfileSettings::message_buttons) {
+    CheckButtons(line, number);
+  } else if (row.number == &ProfileSettings::create_message_box && number != 0) {
+    CheckMessage(line);
   } else if (number != 0 && IsOfReport(row) && !SwitchesItem(row)) {
     Report(line, std::string(row.key) +
                      (row.switches_section
@@ -374,11 +348,53 @@ void Check::CheckMeaning(const CatalogueRow& row, std::size_t line, std::int32_t
   }
 }
 
+void Check::CheckMessage(std::size_t line) {
+  for (const CatalogueRow& row : Catalogue()) {
+    if (row.method != ReadMethod::kFreeText || row.moment != hostscope::ReadMoment::kMessage ||
+        file_.Find(row.section) != nullptr) {
+      continue;
+    }
+    const std::string header = SectionHeader(row.section);
+    if (content_.find(header) != std::string::npos) continue;
+    Report(line, "there is no section " + header + ", so the message is empty: write its text");
+  }
+}
+
+// Only what every Windows takes alike.
+void Check::CheckButtons(std::size_t line, std::int32_t number) {
+  const auto style = static_cast<UINT>(number);
+  const std::string in_number = " in " + std::to_string(number);
+  const UINT kind = style & MB_TYPEMASK;
+  if (kind > MB_RETRYCANCEL) {
+    Report(line, "there are no buttons of the kind " + std::to_string(kind) +
+                     ", so the message is not shown and the run goes on: write 0 to 5, and 256 or "
+                     "512 added to it");
+    return;
+  }
+  const UINT picture = style & MB_ICONMASK & ~MB_ICONINFORMATION;
+  if (picture != 0) {
+    Report(line, "the message has the picture for information (64), and the " +
+                     std::to_string(picture) + in_number + " makes no other one of it: write " +
+                     std::to_string(static_cast<std::int32_t>(style - picture)));
+  }
+  ShownMessageBox box;
+  box.style = style;
+  const std::size_t count = box.Buttons().size();
+  const std::size_t chosen = (style & MB_DEFMASK) / MB_DEFBUTTON2;
+  if (chosen >= count) {
+    Report(line, "the " + std::to_string(chosen * MB_DEFBUTTON2) + in_number + " is for button " +
+                     std::to_string(chosen + 1) +
+                     ", and there is no such button: the message has " + std::to_string(count));
+  }
+}
+
 void Check::CheckText(const CatalogueRow& row, std::size_t line, std::string_view value) {
-  const std::size_t most = row.text(*settings_).size() - 1;
+  const std::size_t most = MostCharacters(row);
   if (value.size() > most) {
     Report(line, std::string(row.key) + " has " + std::to_string(value.size()) +
                      " characters and is cut after " + std::to_string(most) + ": shorten it");
+  } else if (row.text(*settings_).data() == settings_->report_file_name) {
+    CheckReportName(line, value);
   }
   if (!row.only_when_empty || value.empty()) return;
   for (const CatalogueRow* const other : rows_[row.section]) {
@@ -389,52 +405,20 @@ void Check::CheckText(const CatalogueRow& row, std::size_t line, std::string_vie
   }
 }
 
-// The program looks for the header letter for letter, wherever it stands.
-void Check::CheckFreeText(const CatalogueRow& row) {
-  const ProfileText::Body body = ProfileText::FindBody(content_.c_str(), row.section);
-  const ProfileSection* const section = file_.Find(row.section);
-  const std::string header = Header(row.section);
-  const std::size_t found =
-      body.header == nullptr ? 0 : LineAt(static_cast<std::size_t>(body.header - content_.c_str()));
-  if (section != nullptr && (found == 0 || found > section->number)) {
-    Report(section->number,
-           "the text below this header is not found: write " + header +
-               " at the start of the line, in capitals and without blanks in the brackets");
-  } else if (found != 0 && (section == nullptr || found < section->number)) {
-    Report(found,
-           header + " stands in this line, so the text is taken from here" +
-               (section == nullptr ? std::string()
-                                   : " and not from line " + std::to_string(section->number)) +
-               ": write the name without brackets");
-  } else if (found != 0) {
-    CheckBody(row, body);
-  }
+void Check::CheckReportName(std::size_t line, std::string_view name) {
+  if (name.empty())
+    Report(line, "the report has no name, so none can be written: write one, or leave the key out");
+  for (std::string& reason : CheckPath(name, kReport))
+    Report(line, std::move(reason));
 }
 
-void Check::CheckBody(const CatalogueRow& row, const ProfileText::Body& body) {
-  const char* const behind = body.header + std::string_view(row.section).size() + 2;
-  const std::size_t line = LineAt(static_cast<std::size_t>(body.header - content_.c_str()));
-  if (*behind != '\0' && *behind != '\r' && *behind != '\n') {
-    Report(line,
-           "what stands behind the header goes into the text, but for its first two "
-           "characters: end the line behind the \"]\"");
-  }
-  const auto length = static_cast<std::size_t>(body.end - body.start);
-  const std::size_t most = row.text(*settings_).size() - 1;
-  if (length > most) {
-    Report(LineAt(static_cast<std::size_t>(body.start - content_.c_str()) + most),
-           "the text of " + Header(row.section) + " has " + std::to_string(length) +
-               " characters and is cut after " + std::to_string(most) +
-               ", in this line: shorten it");
-  }
-  if (*body.boundary != '[') return;
-  const std::size_t end_line = LineAt(static_cast<std::size_t>(body.boundary - content_.c_str()));
-  const bool at_header =
-      std::any_of(file_.sections().begin(), file_.sections().end(),
-                  [&](const ProfileSection& section) { return section.number == end_line; });
-  if (!at_header) {
-    Report(end_line, "the text of " + Header(row.section) +
-                         " ends before the \"[\" in this line: write another bracket");
+// They are looked for in the file's bytes, so there are none in a file of 16-bit characters.
+void Check::CheckFreeTexts() {
+  if (IsUtf16()) return;
+  for (const CatalogueRow& row : Catalogue()) {
+    if (row.method != ReadMethod::kFreeText) continue;
+    for (ProfileFinding& finding : CheckFreeText(content_, file_, row.section, MostCharacters(row)))
+      findings_.push_back(std::move(finding));
   }
 }
 

@@ -2,16 +2,12 @@
 // it.
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
-namespace host {
+#include "linux/profile_finding.h"
 
-struct ProfileFinding {
-  std::size_t line;    // from 1
-  std::string reason;  // in the code page: what happens, and what to write instead
-};
+namespace host {
 
 // The findings in a profile's whole content, whatever bytes it has, in the order of the lines.
 std::vector<ProfileFinding> CheckProfile(const std::string& content);

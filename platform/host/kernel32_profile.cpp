@@ -20,7 +20,6 @@ using namespace host;
 
 namespace {
 
-constexpr std::size_t kSectionLimit = 32767;
 constexpr char kSystemProfile[] = "win.ini";
 
 // A name without a folder is looked for in the Windows folder.
@@ -38,7 +37,7 @@ std::shared_ptr<const ProfileFile> ReadProfile(LPCSTR file) {
   const Machine& machine = CurrentMachine();
   std::string content;
   SetLastError(machine.files.ReadWhole(ProfilePath(machine, file), content));
-  const std::size_t section_limit = machine.IsNt() ? SIZE_MAX : kSectionLimit;
+  const std::size_t section_limit = machine.IsNt() ? SIZE_MAX : kOldSectionLimit;
   thread_local std::shared_ptr<const ProfileFile> last;
   if (last == nullptr || !last->IsOf(content, section_limit)) {
     last = std::make_shared<const ProfileFile>(content, section_limit);
@@ -117,7 +116,7 @@ DWORD GetString(LPCSTR section, LPCSTR key, LPCSTR fallback, LPSTR buffer, DWORD
 }
 
 UINT GetInteger(LPCSTR section, LPCSTR key, INT fallback, LPCSTR file) {
-  char text[30];  // no longer text is looked at
+  char text[kIntegerTextLimit + 1];
   if (GetString(section, key, "", text, sizeof(text), file) == 0) {
     return static_cast<UINT>(fallback);
   }

@@ -11,6 +11,12 @@
 
 namespace host {
 
+// What Windows 95, 98 and Me see of a section, in bytes from the end of its header's line.
+inline constexpr std::size_t kOldSectionLimit = 32767;
+
+// How many characters of an integer key's value are looked at.
+inline constexpr std::size_t kIntegerTextLimit = 29;
+
 struct ProfileLine {
   std::size_t number;  // in the file, from 1
   std::string_view key;

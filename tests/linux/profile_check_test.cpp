@@ -45,7 +45,9 @@ TEST(ProfileCheck, FindsWhatCannotDoWhatWasMeant) {
   const std::string long_name(260, 'n');
   const std::string named = "ReportFileName=" + long_name;
   const std::string text = "[MESSAGE]\na\n" + std::string(1021, 'b');
-  const std::string list = "[DLLS]\n" + std::string(32764, 'd') + "\ne\n";
+  const std::string list = "[REGISTRY KEYS]\nHKLM\\" + std::string(32759, 'd') + "\nHKU\n";
+  const std::string far = "[PORT]\n;" + std::string(32766, ' ') + "\nPorts=1\n";
+  const std::string folder = "[FOLDERS]\nC:\\" + std::string(258, 'f') + "\n";
   const Case cases[] = {
       {"[display]\nmaxresolusion=-1\n; [x\n[FOLDERS]\n<run folder>\nC:\\A%\nHKLM\\A,b,0x1F\n"
        "[REGISTRY KEYS]\nhklm\nHKLM\\%A%,017\n[SCAN KEYS]\nHKCU\\B,1,0\n"
@@ -80,14 +82,51 @@ TEST(ProfileCheck, FindsWhatCannotDoWhatWasMeant) {
         {9, "\"HKML\""}}},
       {"[CUSTOM DLLS]\na.dll\nb.dll,\nc.dll, Run\n[DLLS]\n%X%\\a.dll\n",
        {{4, "no function"}, {5, "no function"}, {6, "blank"}, {8, "variables"}}},
-      {list.c_str(), {{5, "32765"}}},
+      {"[REGISTRY KEYS]\nHKCR\\*\\shell,1\nHKLM\\Classes\\*\n[FOLDERS]\nC:\\A;b,1\n\\\\a\\b\nC:/A\n"
+       "HKCU\\,a,0\n[DLLS]\nC:\\a,b.dll\n#1.dll\n1x=a.dll\n",
+       {}},
+      {"[REGISTRY KEYS]\nHKEY_USERS,1\nHKLM\\\\A\nHKLM\\A*\nhklm/A/B,1\nHKCU:\\A\n"
+       "Computer\\HKEY_CURRENT_USER\\A,1\n1=HKLM\\A\n# x\nHKLM\\B,1 ; all\n[HKEY_USERS\\A]\n"
+       "[USB CONTROLLERS]\n",
+       {{4, "write HKU,1"},
+        {5, "two backslashes"},
+        {6, "\"*\""},
+        {7, "write HKLM\\A\\B,1"},
+        {8, "write HKCU\\A"},
+        {9, "write HKCU\\A,1"},
+        {10, "\"1=\" belongs"},
+        {11, "\"#\""},
+        {12, "\"; all\" belongs"},
+        {13, "write HKU\\A without"},
+        {14, "write [USB]"}}},
+      {"[FOLDERS]\nC:\\*.dll\nC:A\nC:,1\n\\\\a,1\n,1\nCC:\\A\nHKLM,1\nHKLM\\\\A,b,1\nHKLM/A,1\n",
+       {{4, "no path has a \"*\""},
+        {5, "write C:\\A"},
+        {6, "write C:\\"},
+        {7, "no share"},
+        {8, "no path before"},
+        {9, "no colon but"},
+        {10, "no key"},
+        {11, "two backslashes"},
+        {12, "write HKLM\\A,1"}}},
+      {"[CUSTOM DLLS]\n,Run\nRun,a.dll\n[DLLS]\na.dll,1\nC:\\A\\\n",
+       {{4, "no library"}, {5, "library first"}, {7, "\",1\" belongs"}, {8, "of a folder"}}},
+      {"CreateMessageBox=1\n", {{3, "no section [MESSAGE]"}}},
+      {"ReportFileName=\n", {{3, "no name"}}},
+      {"ReportFileName=%A%?.txt\n", {{3, "gets this name"}, {3, "no report can"}}},
+      {"MessageButtons=304\nReportFileName=\\\\a\\b\\c.txt\n", {{3, "write 256"}, {3, "button 2"}}},
+      {far.c_str(), {{5, "32767 bytes"}}},
+      {folder.c_str(), {{4, "261 characters"}}},
+      {list.c_str(), {{5, "32767 bytes"}, {5, "32765"}}},
       {named.c_str(), {{3, "cut after 259"}}},
       {text.c_str(), {{5, "1024 characters and is cut after 1023"}}},
       {"[Message]\nHello\n", {{3, "write [MESSAGE]"}}},
       {"[ MESSAGE ]\nHello\n", {{3, "write [MESSAGE]"}}},
-      {"; see [MESSAGE]\n[MESSAGE]\nHello\n", {{3, "not from line 4"}}},
+      {"; see [MESSAGE]\n[MESSAGE]\nHello\n", {{3, "not from below a header"}}},
+      {"[message]\na\n[MESSAGE]\nb\n[Message]\nc\n", {{3, "from line 5"}, {7, "from line 5"}}},
+      {"[MESSAGE]\nHello\n\n; the system\n; its items\n[SYSTEM]\n", {{6, "no comments"}}},
       {"[MESSAGE]\nHello\n [you]\n[EMAIL TEXT] x\n",
-       {{5, "nothing reads the section \"you\""}, {6, "behind the header"}}},
+       {{5, "text of [MESSAGE], which it ends"}, {6, "behind the header"}}},
       {"[EMAIL TEXT]\nsee a[1]\n", {{4, "ends before the \"[\""}}},
   };
   for (const Case& each : cases) {
