@@ -246,7 +246,8 @@ constexpr std::string_view kFunctions[] = {
     "wvsprintfA",
 };
 
-static_assert(std::is_sorted(std::begin(kFunctions), std::end(kFunctions)));
+static_assert(std::is_sorted(std::begin(kFunctions), std::end(kFunctions)),
+              "a name of kFunctions is out of order: capitals go before small letters");
 
 }  // namespace
 
