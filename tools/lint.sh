@@ -13,9 +13,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 readonly kept=build/lint
 readonly program_rooms=(util profile report probes scans delivery app platform/windows sdk)
-layer_rooms=(platform/host)
-if [[ -d linux ]]; then layer_rooms+=(linux); fi
-readonly layer_rooms
+readonly layer_rooms=(platform/host linux)
 jobs=${HOSTSCOPE_LINT_JOBS:-$(nproc)}
 readonly jobs
 

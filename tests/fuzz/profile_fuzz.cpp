@@ -1,4 +1,5 @@
-// Arbitrary bytes as a profile: looked for and read at all moments, on a machine of each family.
+// Arbitrary bytes as a profile: checked, told in words, looked for and read at all moments, on a
+// machine of each family.
 // Whatever they are, nothing is read or written out of bounds and every text ends in its field.
 #include <array>
 #include <cstdint>
@@ -8,6 +9,7 @@
 #include <vector>
 
 #include "linux/profile_check.h"
+#include "linux/profile_summary.h"
 #include "platform/host/machine.h"
 #include "profile/read_profile.h"
 #include "tests/support/test_folder.h"
@@ -55,6 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static const test::TestFolder folder;
   folder.Write("p.ini", {reinterpret_cast<const char*>(data), size});
   host::CheckProfile({reinterpret_cast<const char*>(data), size});
+  Require(!host::ProfileSummary(folder.path() / "p.ini").empty());
   static std::array<host::Machine, 2> machines;
   for (std::size_t i = 0; i < machines.size(); ++i) {
     host::Machine& machine = machines[i];
