@@ -21,8 +21,9 @@ import page_text
 # Names that MS-DOS knows as well.
 SAMPLES = ["full", "minimal", "support", "hardware", "software"]
 PROGRAMS = {"HSCOPE.EXE": "hscope.exe", "SDK/SAMPLE.DLL": "sample.dll"}
+README = "README.TXT"
 PAGES = {
-    "README.TXT": "docs/using.md",
+    README: "docs/using.md",
     "DOCS/PROFILE.TXT": "docs/profile.md",
     "DOCS/RECIPES.TXT": "docs/recipes.md",
     "DOCS/CHOICES.TXT": "docs/behaviour.md",
@@ -84,7 +85,7 @@ def release_date(sources, number):
         raise PackageError(f"CHANGELOG.md: \"{heading[1]}\" is no date like 1 May 2026") from error
 
 
-def collect(sources, build):
+def collect(sources, build, number):
     """The bytes of all files of the package but the sums, by their names."""
     names = {source: name for name, source in {**PAGES, **TEXTS, **SCRIPTS}.items()}
     names.update({"docs/": "DOCS", "profiles/": "PROFILES", "sdk/": "SDK"})
@@ -92,6 +93,8 @@ def collect(sources, build):
     for name, source in PAGES.items():
         read_text(sources, source)
         text = page_text.Page(sources, source, names).text()
+        if name == README:
+            text = f"Hostscope {number}\n\n{text}"
         files[name] = text.replace("\n", "\r\n").encode("ascii")
     for name, source in TEXTS.items():
         files[name] = read_text(sources, source).replace("\n", "\r\n").encode("ascii")
@@ -135,7 +138,7 @@ def write(path, data):
 
 def make(sources, build, folder):
     number = version(sources)
-    files = collect(sources, build)
+    files = collect(sources, build, number)
     files[SUMS] = sums(files)
     package = pack(files, release_date(sources, number))
     path = folder / f"hscope-{number}.zip"

@@ -2,7 +2,7 @@
 
 pandoc reads the page and lays the text out; in between, what only a browser can show is put into
 words: the texts of links name the files of the package, headings are underlined, and wide tables
-get columns that fit. What a page may hold is what stands in Page.blocks and Page.inlines below:
+get columns that fit. Pictures are left out. What a page may hold is what stands in Page.blocks and Page.inlines below:
 everything else is refused, since it would be lost or garbled.
 """
 import json
@@ -91,9 +91,10 @@ class Page:
     # Blocks.
 
     def blocks(self, blocks):
-        kinds = {"Para": self.paragraph, "Plain": self.paragraph, "Header": self.heading,
+        kinds = {"Para": self.inlines, "Plain": self.inlines, "Header": self.heading,
                  "BulletList": self.bullets, "OrderedList": self.numbers,
                  "CodeBlock": lambda content: content, "Table": self.table}
+        blocks = [block for block in blocks if not self.is_picture(block)]
         for block in blocks:
             if block["t"] not in kinds:
                 self.refuse(f"holds a {block['t']}, which can't be put into a text: "
@@ -103,10 +104,10 @@ class Page:
                 block["t"] = "Para"
         return blocks
 
-    def paragraph(self, inlines):
-        if len(inlines) == 1 and inlines[0]["t"] == "Image":
-            return plain_words(f"[Picture: {words(self.inlines(inlines[0]['c'][1]))}]")
-        return self.inlines(inlines)
+    @staticmethod
+    def is_picture(block):
+        """A paragraph of its own, which no text can show."""
+        return block["t"] == "Para" and [part["t"] for part in block["c"]] == ["Image"]
 
     def heading(self, content):
         """The words and a line below them."""

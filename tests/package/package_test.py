@@ -95,6 +95,8 @@ class Package(unittest.TestCase):
 
     def test_readme_tells_of_every_file(self):
         readme = self.files["README.TXT"].decode().upper()
+        number = package.stem.removeprefix("hscope-").upper()
+        self.assertTrue(readme.startswith(f"HOSTSCOPE {number}\r\n"), readme[:40])
         untold = {name for name in self.files if name.rpartition("/")[2] not in readme}
         self.assertLessEqual(untold, {"README.TXT"})
 
@@ -219,7 +221,7 @@ class Pages(unittest.TestCase):
             ("`Key`, `;`, `a b`, `[A B]`, `x \"y\"`, `\\`, `<A B>`\n",
              "Key, \";\", \"a b\", [A B], x \"y\", \"\\\", <A B>\n"),
             ("![The window](w.png)\n\n- a\n- b\n\n      code *as* `is`\n",
-             "[Picture: The window]\n\n-   a\n\n-   b\n\n        code *as* `is`\n"),
+             "-   a\n\n-   b\n\n        code *as* `is`\n"),
             ("| A | B |\n|---|---|\n| `x y` | b\\|c |\n",
              "  A     B\n  ----- -----\n  x y   b|c\n"),
             (f"| Key | What |\n|---|---|\n| `Long` | {'word ' * 15} |\n| B | |\n",
