@@ -34,6 +34,7 @@ using hostscope::ReadMethod;
 constexpr std::size_t kWholeFile = SIZE_MAX;
 constexpr std::size_t kOldFileLimit = 65536;  // what Windows 95, 98 and Me read of a file
 constexpr std::size_t kListLimit = hostscope::kWorkAreaSize - 2;  // two zeros end a list
+constexpr std::size_t kFindingsOfNoProfile = 1000;                // no profile has as many
 
 std::string UnknownKeyReason(std::string_view section, std::string_view key) {
   if (key.empty()) return "there is no key before the \"=\", so the line does nothing";
@@ -109,8 +110,8 @@ class Check {
   std::size_t LineAt(std::size_t offset) const {
     return 1 + CountLineEnds(std::string_view(content_).substr(0, offset));
   }
-  // A file with this many findings is none, and names near to those in it need not be looked for.
-  bool IsProfile() const { return findings_.size() < 1000; }
+  // Of another file names near to those in it need not be looked for.
+  bool IsProfile() const { return findings_.size() < kFindingsOfNoProfile; }
   bool IsUtf16() const {
     return content_.starts_with("\xFF\xFE") || content_.starts_with("\xFE\xFF");
   }
@@ -220,9 +221,7 @@ void Check::CheckSections() {
     const auto rows = rows_.find(name);
     if (rows == rows_.end()) {
       Report(section->number, UnknownSectionReason(*section, (section - 1)->name));
-    } else if (rows->second.front()->method == ReadMethod::kFreeText) {
-      continue;  // its lines are text
-    } else if (!is_new) {
+    } else if (!is_new && rows->second.front()->method != ReadMethod::kFreeText) {
       Report(section->number, "the section " + SectionHeader(rows->first) +
                                   " is there since line " + std::to_string(first->second) +
                                   ", and only the first one counts: move these lines there");
@@ -250,7 +249,7 @@ std::string Check::UnknownSectionReason(const ProfileSection& section, std::stri
 void Check::CheckSection(const Rows& rows, const ProfileSection& section) {
   switch (rows.front()->method) {
     case ReadMethod::kFreeText:
-      return;
+      return;  // its lines are text
     case ReadMethod::kList:
       CheckList(*rows.front(), section);
       return;
