@@ -104,6 +104,9 @@ class Check {
   void Report(std::size_t line, std::string reason) {
     findings_.push_back({line, std::move(reason)});
   }
+  bool IsReportName(const CatalogueRow& row) const {
+    return row.text != nullptr && row.text(*settings_).data() == settings_->report_file_name;
+  }
   std::size_t MostCharacters(const CatalogueRow& row) const {
     return row.text(*settings_).size() - 1;
   }
@@ -130,6 +133,7 @@ class Check {
   void CheckText(const CatalogueRow& row, std::size_t line, std::string_view value);
   void CheckFreeTexts();
   void CheckReportName(std::size_t line, std::string_view name);
+  void CheckOutputFolder(const CatalogueRow& row, std::size_t line, std::int32_t number);
   void CheckMessage(std::size_t line);
   void CheckButtons(std::size_t line, std::int32_t number);
 
@@ -329,11 +333,8 @@ void Check::CheckInteger(const CatalogueRow& row, std::size_t line, std::string_
 }
 
 void Check::CheckMeaning(const CatalogueRow& row, std::size_t line, std::int32_t number) {
-  constexpr std::int32_t kLastFolder = 3;  // the program's own, by agreement
-  if (row.number == &ProfileSettings::output_folder && (number < 0 || number > kLastFolder)) {
-    Report(line, std::string(row.key) +
-                     " knows the numbers 0 to 3, and any other one means the "
-                     "program's own folder: write 3 for that");
+  if (row.number == &ProfileSettings::output_folder) {
+    CheckOutputFolder(row, line, number);
   } else if (row.number == &ProfileSettings::message_buttons) {
     CheckButtons(line, number);
   } else if (row.number == &ProfileSettings::create_message_box && number != 0) {
@@ -344,6 +345,22 @@ void Check::CheckMeaning(const CatalogueRow& row, std::size_t line, std::int32_t
                           ? " switches on the heading of its section and nothing below it"
                           : " switches nothing") +
                      ": leave it out");
+  }
+}
+
+void Check::CheckOutputFolder(const CatalogueRow& row, std::size_t line, std::int32_t number) {
+  constexpr std::int32_t kLastFolder = 3;  // the program's own, by agreement
+  if (number < 0 || number > kLastFolder) {
+    Report(line, std::string(row.key) +
+                     " knows the numbers 0 to 3, and any other one means the "
+                     "program's own folder: write 3 for that");
+  }
+  for (const CatalogueRow* const other : rows_[row.section]) {
+    if (number == 0 || !IsReportName(*other)) continue;
+    if (file_.Value(row.section, other->key).value_or("").find(':') == std::string_view::npos)
+      continue;
+    Report(line, std::string(row.key) + " is not looked at, since " + other->key +
+                     " is a whole path: leave one of them out");
   }
 }
 
@@ -392,7 +409,7 @@ void Check::CheckText(const CatalogueRow& row, std::size_t line, std::string_vie
   if (value.size() > most) {
     Report(line, std::string(row.key) + " has " + std::to_string(value.size()) +
                      " characters and is cut after " + std::to_string(most) + ": shorten it");
-  } else if (row.text(*settings_).data() == settings_->report_file_name) {
+  } else if (IsReportName(row)) {
     CheckReportName(line, value);
   }
   if (!row.only_when_empty || value.empty()) return;

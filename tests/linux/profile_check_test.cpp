@@ -112,6 +112,7 @@ TEST(ProfileCheck, FindsWhatCannotDoWhatWasMeant) {
       {"[CUSTOM DLLS]\n,Run\nRun,a.dll\n[DLLS]\na.dll,1\nC:\\A\\\n",
        {{4, "no library"}, {5, "library first"}, {7, "\",1\" belongs"}, {8, "of a folder"}}},
       {"CreateMessageBox=1\n", {{3, "no section [MESSAGE]"}}},
+      {"OutputFolder=1\nReportFileName=C:\\a.txt\n", {{3, "not looked at"}}},
       {"ReportFileName=\n", {{3, "no name"}}},
       {"ReportFileName=%A%?.txt\n", {{3, "gets this name"}, {3, "no report can"}}},
       {"MessageButtons=304\nReportFileName=\\\\a\\b\\c.txt\n", {{3, "write 256"}, {3, "button 2"}}},
