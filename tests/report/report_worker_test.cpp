@@ -32,7 +32,7 @@ TEST(ReportWorker, SectionsByTheirSwitches) {
       {"nothing on", "[SYSTEM]\r\nTempFolder=0\r\n", "\r\n\r\n"},
       {"one item", "[SYSTEM]\r\nTempFolder=1\r\n",
        system + "Temp folder                C:\\TEMP\r\n\r\n"},
-      {"another item", "[SYSTEM]\r\nSystemFolder=1\r\n",
+      {"another item, by a number below zero", "[SYSTEM]\r\nSystemFolder=-1\r\n",
        system + "System folder              C:\\WINNT\\system32\r\n\r\n"},
       {"a key that switches nothing", "[NETWORK]\r\nNetProtocols=1\r\n", "\r\n\r\n"},
       {"a key that counts toward the banner only", "[PRINTER]\r\nDefaultLocal=1\r\n",
@@ -82,69 +82,6 @@ TEST(ReportWorker, WhatTheListShowsAsDoneIsInTheFile) {
   ASSERT_GT(seen.size(), 4U);
   for (std::size_t i = seen.size() - 4; i < seen.size(); ++i)
     EXPECT_TRUE(seen[i].ends_with("Temp folder                C:\\TEMP")) << i << ": " << seen[i];
-}
-
-TEST(Item, LinesOfItsOwnAndSeveralSwitches) {
-  constexpr Item kGood = {.progress_label = "Good...",
-                          .switches = kAnyOf<&ProfileSettings::fdc, &ProfileSettings::hdc>,
-                          .write_lines = [](ItemRun& run) {
-                            run.report.WriteText("good\r\n");
-                            return true;
-                          }};
-  constexpr Item kBad = {.progress_label = "A label of more than 25 letters...",
-                         .switches = kAnyOf<&ProfileSettings::scsi>,
-                         .write_lines = [](ItemRun& run) {
-                           run.report.WriteText("bad\r\n");
-                           return false;
-                         }};
-  const struct {
-    const char* what;
-    std::int32_t fdc, hdc, scsi;
-    const char* report;
-    std::vector<std::string> progress;
-  } rows[] = {
-      {"nothing on", 0, 0, 0, "", {}},
-      {"the first of two", 1, 0, 0, "good\r\n", {"Good...                  Ok"}},
-      {"the second of two", 0, -1, 0, "good\r\n", {"Good...                  Ok"}},
-      {"failed", 0, 0, 1, "bad\r\n", {"A label of more than 25 letters...Failed"}},
-  };
-  for (const auto& row : rows) {
-    test::ReportRun run;
-    ProfileSettings& settings = run.settings();
-    settings.fdc = row.fdc;
-    settings.hdc = row.hdc;
-    settings.scsi = row.scsi;
-    run.RunItems({kGood, kBad});
-    EXPECT_EQ(run.Report(), row.report) << row.what;
-    EXPECT_EQ(run.Progress(), row.progress) << row.what;
-  }
-}
-
-TEST(ReportWorker, StopsWithoutProfileOrReport) {
-  test::ReportRun missing_profile;
-  missing_profile.state().profile_path =
-      DuplicateText(missing_profile.folder().PathOf("none.ini").c_str());
-  missing_profile.Run("");
-  EXPECT_EQ(missing_profile.Progress(), std::vector<std::string>{"Can not open ini file!"});
-  EXPECT_FALSE(missing_profile.folder().Holds("report.txt"));
-  EXPECT_FALSE(missing_profile.state().run_complete);
-  EXPECT_EQ(missing_profile.machine().faults.CallCount("GetPrivateProfileIntA"), 0U);
-
-  test::ReportRun missing_folder;
-  missing_folder.state().report_path =
-      DuplicateText(missing_folder.folder().PathOf("none\\report.txt").c_str());
-  missing_folder.Run("[SYSTEM]\r\nTempFolder=1\r\n");
-  EXPECT_EQ(missing_folder.Progress(), std::vector<std::string>{"Can not open output file!"});
-  EXPECT_FALSE(missing_folder.state().run_complete);
-  EXPECT_EQ(missing_folder.machine().faults.CallCount("GetTempPathA"), 0U);
-}
-
-TEST(ReportWorker, RelativeReportPathsLieInTheProgramFolder) {
-  test::ReportRun run;
-  std::filesystem::create_directory(run.folder().path() / "reports");
-  run.state().report_path = DuplicateText("reports\\r.txt");
-  run.Run("");
-  EXPECT_EQ(run.folder().Read("reports/r.txt"), kHeader + std::string("\r\n\r\n"));
 }
 
 TEST(ReportWorker, NothingStaysOpenWhicheverCallFails) {

@@ -20,25 +20,6 @@ class Writing : public testing::Test {
   ReportWriter writer_{folder_.PathOf("r.txt").c_str()};
 };
 
-TEST_F(Writing, BannersAre84Wide) {
-  constexpr struct {
-    const char* title;
-    std::size_t left, right;
-  } kRows[] = {{"SYSTEM INFORMATION", 32, 32}, {"DISPLAY", 37, 38}, {"", 41, 41}, {"X", 40, 41}};
-  std::string expected;
-  const std::string rule(84, '=');
-  for (const auto& row : kRows) {
-    writer_.WriteBanner(row.title);
-    expected += "\r\n" + rule + "\r\n" + std::string(row.left, '=') + " " + row.title + " " +
-                std::string(row.right, '=') + "\r\n" + rule + "\r\n";
-  }
-  const std::string longest(80, 't');
-  writer_.WriteBanner(longest.c_str());
-  expected += "\r\n" + rule + "\r\n= " + longest + " =\r\n" + rule + "\r\n";
-  writer_.Close();
-  EXPECT_EQ(Content(), expected);
-}
-
 TEST_F(Writing, FormattedLinesAreCutAndColumnsAreNot) {
   writer_.WriteFormatted("%-27s%-15s:  %u b\r\n", "A label of 27 characters...", "Size", 4096U);
   writer_.WriteFormatted("%-27s%s\r\n", "A label that is longer than 27 characters", "value");

@@ -47,14 +47,4 @@ std::string ReportRun::SqueezedSection() const {
   return text;
 }
 
-void ReportRun::RunItems(std::initializer_list<Item> items) {
-  ProgressLines progress(list_);
-  ReportWriter report(state_->report_path.c_str());
-  ProbeContext context;
-  std::vector<char> work(32767);
-  ItemRun run{state_->program_folder.c_str(), *settings_, context, report, progress, work};
-  for (const Item& item : items)
-    RunItem(item, run);
-}
-
 }  // namespace hostscope::test

@@ -7,7 +7,6 @@
 
 #include "platform/host/machine.h"
 #include "platform/win32.h"
-#include "report/item.h"
 #include "report/report_worker.h"
 #include "tests/support/test_folder.h"
 
@@ -30,8 +29,6 @@ class ReportRun {
 
   // Writes the profile, runs the worker with the report going to report.txt in the folder.
   void Run(std::string_view profile);
-  // Runs the items alone, into the same report.
-  void RunItems(std::initializer_list<Item> items);
   std::string Report() const { return folder_.Read("report.txt"); }
   // What stands below the last banner and its empty line.
   std::string LastSection() const {

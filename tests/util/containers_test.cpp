@@ -1,14 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "platform/host/machine.h"
 #include "platform/win32.h"
 #include "tests/support/test_folder.h"
 #include "util/library.h"
 #include "util/profile_text.h"
-#include "util/record_array.h"
 #include "util/registry.h"
 #include "util/string_list.h"
 
@@ -20,37 +18,6 @@ class Containers : public testing::Test {
   host::Machine machine_;
   host::UseMachine use_{machine_};
 };
-
-std::vector<std::string> Elements(const StringList& list) {
-  std::vector<std::string> elements;
-  for (int i = 0; i < list.count(); ++i)
-    elements.emplace_back(list.Get(i));
-  return elements;
-}
-
-TEST_F(Containers, StringListKeepsOrderAndOwnsItsTexts) {
-  const auto open_before = machine_.handles.OpenObjects();
-  {
-    StringList list;
-    EXPECT_EQ(list.Append("lost"), -1);
-    ASSERT_TRUE(list.Create());
-    std::vector<std::string> expected;
-    for (int i = 0; i < 35; ++i) {
-      std::string text = "text " + std::to_string(i % 7);
-      EXPECT_EQ(list.Append(text.c_str()), i);
-      expected.push_back(text);
-    }
-    EXPECT_EQ(Elements(list), expected);
-    EXPECT_EQ(list.Get(-1), nullptr);
-    EXPECT_EQ(list.Get(35), nullptr);
-    list.Destroy();
-    list.Destroy();
-    EXPECT_FALSE(list.present());
-    ASSERT_TRUE(list.Create());
-    EXPECT_EQ(list.Append("released by the owner's end"), 0);
-  }
-  EXPECT_EQ(machine_.handles.OpenObjects(), open_before);
-}
 
 TEST_F(Containers, StringListWithoutMemoryStaysAsItWas) {
   StringList list;
@@ -65,29 +32,6 @@ TEST_F(Containers, StringListWithoutMemoryStaysAsItWas) {
   EXPECT_EQ(machine_.handles.OpenObjects(), open_before);
   EXPECT_EQ(list.count(), 10);
   EXPECT_EQ(list.Append("y"), 10);
-}
-
-TEST_F(Containers, RecordArrayCopiesRecordsOfOneSize) {
-  struct Record {
-    char bytes[539];
-  };
-  RecordArray array;
-  Record record = {};
-  EXPECT_EQ(array.Append(&record), -1);
-  EXPECT_FALSE(array.Create(0));
-  ASSERT_TRUE(array.Create(sizeof(Record)));
-  for (int i = 0; i < 25; ++i) {
-    record.bytes[0] = record.bytes[538] = static_cast<char>(i);
-    EXPECT_EQ(array.Append(&record), i);
-  }
-  for (int i = 0; i < 25; ++i) {
-    EXPECT_EQ(array.GetAs<Record>(i)->bytes[0], i);
-    EXPECT_EQ(array.GetAs<Record>(i)->bytes[538], i);
-  }
-  EXPECT_EQ(array.Get(25), nullptr);
-  array.Destroy();
-  EXPECT_EQ(array.count(), 0);
-  EXPECT_EQ(array.Get(0), nullptr);
 }
 
 TEST_F(Containers, SectionBodies) {

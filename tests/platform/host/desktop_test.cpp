@@ -15,36 +15,6 @@ LPARAM TextParameter(const std::string& text) {
   return reinterpret_cast<LPARAM>(text.c_str());
 }
 
-TEST(SentMessages, AreCarriedOutInOrderOnTheDialogsThread) {
-  constexpr int kLines = 300;
-  std::atomic<int> elsewhere = 0;
-  std::thread::id dialog_thread;
-  DialogRun run([&](HWND, UINT message, WPARAM, LPARAM) -> INT_PTR {
-    if (message == WM_INITDIALOG) dialog_thread = std::this_thread::get_id();
-    if (std::this_thread::get_id() != dialog_thread) ++elsewhere;
-    return FALSE;
-  });
-  run.Start();
-  std::vector<LRESULT> answers;
-  std::thread worker([&] {
-    for (int line = 0; line < kLines; ++line) {
-      answers.push_back(SendMessageA(run.Item(kList), LB_ADDSTRING, 0,
-                                     TextParameter("line " + std::to_string(line))));
-      SendMessageA(run.Item(kList), LB_SETCURSEL, static_cast<WPARAM>(line), 0);
-      if (line % 3 == 0) SendMessageA(run.dialog(), WM_USER, 0, 0);
-    }
-  });
-  worker.join();
-  const std::vector<std::string> lines = run.desktop().ListLines(run.Item(kList));
-  ASSERT_EQ(lines.size(), static_cast<std::size_t>(kLines));
-  for (int line = 0; line < kLines; ++line) {
-    EXPECT_EQ(lines[static_cast<std::size_t>(line)], "line " + std::to_string(line));
-    EXPECT_EQ(answers[static_cast<std::size_t>(line)], line);
-  }
-  EXPECT_EQ(run.desktop().ListCurrentLine(run.Item(kList)), kLines - 1);
-  EXPECT_EQ(elsewhere, 0);
-}
-
 TEST(SentMessages, OfALivingThreadAreCounted) {
   DialogRun run;
   run.Start();

@@ -363,22 +363,6 @@ TEST(MachineFacts, WhatIsWrong) {
             "6: ProductType: the value is no number from 0 to 255");
 }
 
-// What a library answers to a record of that size: the error, or the parts that it fills in.
-std::string DllVersion(Machine& machine, const char* library, DWORD size) {
-  const UseMachine use(machine);
-  const HMODULE module = LoadLibraryA(library);
-  const FARPROC function = module == nullptr ? nullptr : GetProcAddress(module, "DllGetVersion");
-  if (function == nullptr) return "none";
-  WORD record[16] = {static_cast<WORD>(size)};
-  const HRESULT result =
-      reinterpret_cast<HRESULT (*)(void*)>(reinterpret_cast<void (*)()>(function))(record);
-  if (result != 0) return "refused";
-  std::string text;
-  for (const int part : {2, 4, 6, 8, 15, 14, 13, 12})
-    text += " " + std::to_string(record[part]);
-  return text;
-}
-
 TEST(MachineFacts, VersionsOfLibrariesAndTimesOfFiles) {
   Machine machine;
   ASSERT_EQ(
@@ -387,14 +371,6 @@ TEST(MachineFacts, VersionsOfLibrariesAndTimesOfFiles) {
                        "C:\\A=1999-12-31 23:59:59.5\n",
             machine),
       "");
-  EXPECT_EQ(DllVersion(machine, "comctl32", 32), " 5 81 4916 2 5 81 4916 7");
-  EXPECT_EQ(DllVersion(machine, "comctl32", 20), " 5 81 4916 2 0 0 0 0");
-  EXPECT_EQ(DllVersion(machine, "comctl32", 24), "refused");
-  EXPECT_EQ(DllVersion(machine, "old.dll", 32), "refused");
-  EXPECT_EQ(DllVersion(machine, "old.dll", 20), " 4 72 3110 2 0 0 0 0");
-  EXPECT_EQ(DllVersion(machine, "no.dll", 20), "refused");
-  EXPECT_EQ(DllVersion(machine, "c:\\apps\\OWN.dll", 20), " 1 2 3 2 0 0 0 0");
-  EXPECT_EQ(DllVersion(machine, "kernel32.dll", 20), "none");
   EXPECT_EQ(machine.files.StatedWriteTime("c:\\b"), 126256467060000000);
   EXPECT_EQ(machine.files.StatedWriteTime("c:\\a"), 125911583990050000);
   EXPECT_EQ(machine.files.StatedWriteTime("/home/a"), std::nullopt);

@@ -51,18 +51,6 @@ TEST(Process, ExitProcessEndsTheProgram) {
   EXPECT_EQ(0, RunProcess(machine, [] {}));
 }
 
-TEST(Process, MachineIsTheCurrentOneForEveryThread) {
-  Machine other;
-  const UseMachine use(other);
-  Machine machine;
-  machine.tick_count = 77;
-  std::atomic<DWORD> seen = 0;
-  std::function<DWORD()> routine = [&] { return seen = GetTickCount(); };
-  RunProcess(machine, [&] { CloseHandle(Start(routine)); });
-  EXPECT_EQ(77u, seen);
-  EXPECT_EQ(&other, &CurrentMachine());
-}
-
 TEST(Process, TheCommandLineIsWholeForEveryRun) {
   Machine machine;
   machine.command_line = "hscope.exe \"a\"";

@@ -19,17 +19,6 @@ std::shared_ptr<RegistryKey> Find(const Registry& registry, Hive hive, std::stri
   return Registry::FindBelow(registry.Root(hive), path);
 }
 
-TEST(Registry, NamesAreFoundInAnyCaseAndKept) {
-  Registry registry;
-  registry.SetText("HKLM\\Software\\\xC4hnlich", "Name", "x");
-  const auto key = Find(registry, Hive::kLocalMachine, "SOFTWARE\\\xE4HNLICH");
-  ASSERT_NE(key, nullptr);
-  EXPECT_EQ(key->name, "\xC4hnlich");
-  ASSERT_NE(key->values.Find("nAME"), nullptr);
-  EXPECT_EQ(key->values.Find("nAME")->name, "Name");
-  EXPECT_EQ(Find(registry, Hive::kLocalMachine, "Software\\\xE4hn"), nullptr);
-}
-
 TEST(Registry, SomeHivesAreViewsOnOthers) {
   Registry registry;
   registry.SetCurrentUser("S-1-5-21-1");

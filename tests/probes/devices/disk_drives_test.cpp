@@ -54,27 +54,6 @@ std::string Identified(host::Machine& machine) {
   return text;
 }
 
-TEST(DiskDrives, IdeDrivesInTheReport) {
-  ReportRun run;
-  run.machine().version = kWindows98;
-  run.machine().disks.channels[0].drives = {Disk("  QUANTUM "), Disk("SECOND")};
-  const auto lines = [](const std::string& label, const std::string& model,
-                        const std::string& drive) {
-    std::string text =
-        label + std::string(27 - label.size(), ' ') + "Model                :  " + model + "\r\n";
-    for (const std::string& field :
-         {std::string("Controller           :  primary controller"),
-          "Drive                :  " + drive, std::string("Serial number        :  S 1"),
-          std::string("Revision number      :  R2"), std::string("Type                 :  fixed"),
-          std::string("Cylinders            :  1"), std::string("Heads                :  65535"),
-          std::string("Sectors per track    :  63")})
-      text += std::string(27, ' ') + field + "\r\n";
-    return text + "\r\n";
-  };
-  EXPECT_EQ(ItemOf(run), lines("HDD (total 2)", "QUANTUM", "master drive") +
-                             lines("", "SECOND", "slave drive") + "Ok");
-}
-
 TEST(DiskDrives, ControllersThatDoNotAnswer) {
   constexpr unsigned kLooks = 99999;
   constexpr unsigned kOfADisk = 1 + 1 + 256;

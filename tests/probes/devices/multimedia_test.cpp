@@ -111,35 +111,6 @@ TEST(MultimediaItems, Lists) {
   ExpectNothingOpen(run.machine(), "");
 }
 
-TEST(MultimediaItems, WhatIsNotThereOrFails) {
-  const auto nothing = [](Machine& machine) { machine.multimedia = {}; };
-  const auto without = [](const char* library) {
-    return [=](Machine& machine) { machine.libraries.Remove(library); };
-  };
-  const struct {
-    const char* key;
-    std::function<void(Machine&)> change;
-    std::string expected;
-  } rows[] = {
-      {"AudioCodecs", nothing, "Audio codecs (total 0)|Ok"},
-      {"AudioCodecs", without("MSACM32.DLL"), "Audio codecs |Failed"},
-      {"VideoCodecs", nothing, "Video codecs (total 0)|Ok"},
-      {"VideoCodecs", without("MSVFW32.DLL"), "Video codecs (total 0)|Ok"},
-      {"WaveIn", nothing, "Wave input |Failed"},
-      {"WaveIn", without("WINMM.DLL"), "Wave input |Failed"},
-      {"MIDIIn", nothing, "MIDI input |Failed"},
-      {"MIDIOut", nothing, "MIDI output |Failed"},
-  };
-  for (const auto& row : rows) {
-    ReportRun run;
-    DescribeMultimedia(run.machine());
-    row.change(run.machine());
-    run.Run("[MULTIMEDIA]\r\n" + std::string(row.key) + "=1\r\n");
-    EXPECT_EQ(Squeezed(run), row.expected) << row.key;
-    ExpectNothingOpen(run.machine(), row.key);
-  }
-}
-
 TEST(VideoCodecs, AreListedOnce) {
   const ReportRun run;
   RecordArray codecs;

@@ -1,5 +1,4 @@
-// The network section on machines of several kinds, and with platform calls failing or answering
-// what careless libraries answer.
+// The network section where libraries answer carelessly, and lines that are too long.
 
 #include "probes/devices/network.h"
 
@@ -12,87 +11,7 @@
 namespace hostscope {
 namespace {
 
-using host::Machine;
 using test::ReportRun;
-
-void DescribeNetwork(Machine& machine) {
-  machine.network = {
-      .version = 0x0B02,
-      .description = "WinSock 2.0",
-      .status = "Running",
-      .host_name = "desk7",
-      .hosts = {{"desk7.lab", {{10, 0, 200, 7}, {192, 168, 0, 255}}, {"desk7", "www"}}}};
-  test::ReadRegistryNotation(machine, R"(
-[class 972 Net]
-[class 973 NetClient]
-[class 974 NetService]
-[device 972 PCI\A\1]  "DeviceDesc"="Card"  "Mfg"="M"  "Driver"="m\\1"
-[device 972 PCI\B\1]  "DeviceDesc"="Bare"  "Driver"="m\\2"
-[CCS\Control\Class\m\1]  "NetCfgInstanceId"="{A}"
-[CCS\Control\Class\m\2]  "NetCfgInstanceId"="{B}"
-[CCS\Services\{A}\Parameters\Tcpip]  "EnableDHCP"=dword:00000001  "IPAddress"="10.0.200.7"
-"SubnetMask"="255.255.0.0"
-[CCS\Services\{B}\Parameters\Tcpip]
-[CCS\Control\Network\<974>\{1}]  "Description"="Sharing"
-[CCS\Control\Network\<974>\{2}]  "Description"="Scheduler"
-[HKLM\Software\Clients\Mail]  @="Mailer"
-)");
-}
-
-constexpr char kWholeSection[] =
-    "[NETWORK]\r\nWinsockInfo=1\r\nDomainName=1\r\nHostName=1\r\nAliases=1\r\nIPAddresses=1\r\n"
-    "NetCards=1\r\nNetClients=1\r\nNetServices=1\r\nDefaultEmailClient=1\r\n";
-
-TEST(NetworkSection, InTheReport) {
-  ReportRun run;
-  DescribeNetwork(run.machine());
-  run.Run(kWholeSection);
-  EXPECT_EQ(run.SqueezedSection(),
-            "Windows sockets Version : 2.11| Description : WinSock 2.0| Status : Running|"
-            "Domain name OFFICE|Host name desk7|Aliases (total 2) desk7, www|"
-            "Host IP (total 2) 10.0.200.7, 192.168.0.255||"
-            "Net cards (total 2) Description : Card| Manufacturer : M| Driver date : |"
-            " IP address : 10.0.200.7| Subnet mask : 255.255.0.0| DHCP enabled : Yes||"
-            " Description : Bare| Manufacturer : | Driver date : ||"
-            "Net clients (total 0)||Net services (total 2) Sharing| Scheduler||"
-            "Default email client Mailer|");
-}
-
-TEST(NetworkSection, WhatFails) {
-  const auto lacking = [](const char* library) {
-    return [=](Machine& machine) { machine.libraries.Remove(library); };
-  };
-  const struct {
-    const char* what;
-    std::function<void(Machine&)> change;
-    const char* statuses;  // their first letters
-    unsigned starts = 1, stops = 1;
-    const char* profile = kWholeSection;
-  } rows[] = {
-      {"the section is off", [](Machine&) {}, "", 1, 1, ""},
-      {"no library", lacking("WSOCK32.DLL"), "FOFFFOOOO", 0, 0},
-      {"no function",
-       [](Machine& machine) { machine.libraries.RemoveExport("WSOCK32.DLL", "inet_ntoa"); },
-       "FOFFFOOOO", 0, 0},
-      {"WSAStartup", [](Machine& machine) { machine.faults.FailNth("WSAStartup", 1, 10091); },
-       "FOFFFOOOO", 1, 0},
-      {"no set-up library", lacking("SETUPAPI.DLL"), "OOOOOFOOO"},
-  };
-  for (const auto& row : rows) {
-    ReportRun run;
-    Machine& machine = run.machine();
-    DescribeNetwork(machine);
-    row.change(machine);
-    run.Run(row.profile);
-    std::string statuses;
-    for (const std::string& line : run.Progress())
-      statuses += line[25];
-    EXPECT_EQ(statuses, row.statuses) << row.what;
-    EXPECT_EQ(machine.faults.CallCount("WSAStartup"), row.starts) << row.what;
-    EXPECT_EQ(machine.faults.CallCount("WSACleanup"), row.stops) << row.what;
-    EXPECT_EQ(machine.libraries.References("WSOCK32.DLL"), 0u) << row.what;
-  }
-}
 
 // A library whose answers are as careless as they may be.
 hostent careless_host;

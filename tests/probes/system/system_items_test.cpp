@@ -1,5 +1,4 @@
-// Computer, user, locale, folders and working time on machines of both families, and with every
-// platform call failing.
+// User, folders and working time, with folders that grow.
 
 #include <gtest/gtest.h>
 
@@ -7,7 +6,6 @@
 #include <string>
 
 #include "probes/system/folders.h"
-#include "probes/system/locale.h"
 #include "probes/system/user.h"
 #include "probes/system/working_time.h"
 #include "tests/support/report_run.h"
@@ -59,49 +57,6 @@ TEST_F(SystemItems, UserNameComesFromTheTokenOnNt) {
   EXPECT_EQ(Text(ReadUserName), "visitor");
   BecomeWindows98();
   EXPECT_EQ(Text(ReadUserName), "logon name");
-}
-
-TEST_F(SystemItems, UserNameWithoutTokenAccount) {
-  constexpr struct {
-    const char* call;
-    unsigned nth;
-    DWORD error;
-    const char* expected;
-  } kRows[] = {
-      {"OpenThreadToken", 1, ERROR_ACCESS_DENIED, "logon name"},
-      {"OpenProcessToken", 1, ERROR_ACCESS_DENIED, "logon name"},
-      {"GetTokenInformation", 1, ERROR_INVALID_HANDLE, "logon name"},
-      {"GetTokenInformation", 2, ERROR_ACCESS_DENIED, "logon name"},
-      {"LookupAccountSidA", 1, ERROR_NONE_MAPPED, "logon name"},
-      // An error that only says that the size is now known is none.
-      {"OpenThreadToken", 1, ERROR_NO_TOKEN, "jdoe"},
-  };
-  machine_.user.name = "logon name";
-  for (const auto& row : kRows) {
-    const auto open_before = machine_.handles.OpenObjects();
-    machine_.faults.FailNth(row.call, row.nth, row.error);
-    EXPECT_EQ(Text(ReadUserName), row.expected) << row.call << " " << row.nth;
-    EXPECT_EQ(machine_.handles.OpenObjects(), open_before) << row.call << " " << row.nth;
-  }
-  machine_.faults.FailAlways("LookupAccountSidA", ERROR_NONE_MAPPED);
-  machine_.faults.FailAlways("GetUserNameA", ERROR_ACCESS_DENIED);
-  EXPECT_EQ(Text(ReadUserName), kFailed);
-}
-
-TEST_F(SystemItems, LocaleNames) {
-  const struct {
-    std::optional<std::string> local, english;
-    const char* expected;
-  } rows[] = {
-      {"Deutsch", "German", "Deutsch (German)"},
-      {"Deutsch", std::nullopt, "Deutsch"},
-      {std::nullopt, "German", "German"},
-      {std::nullopt, std::nullopt, kFailed},
-  };
-  for (const auto& row : rows) {
-    machine_.locale = {.language = row.local, .english_language = row.english};
-    EXPECT_EQ(Text(FormatUserLocale), row.expected);
-  }
 }
 
 TEST_F(SystemItems, Folders) {
