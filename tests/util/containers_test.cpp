@@ -5,7 +5,6 @@
 #include "platform/host/machine.h"
 #include "platform/win32.h"
 #include "tests/support/test_folder.h"
-#include "util/library.h"
 #include "util/profile_text.h"
 #include "util/registry.h"
 #include "util/string_list.h"
@@ -31,6 +30,8 @@ TEST_F(Containers, StringListWithoutMemoryStaysAsItWas) {
   EXPECT_EQ(list.Append("no room for the copy"), -1);
   EXPECT_EQ(machine_.handles.OpenObjects(), open_before);
   EXPECT_EQ(list.count(), 10);
+  EXPECT_EQ(list.Get(-1), nullptr);
+  EXPECT_EQ(list.Get(10), nullptr);
   EXPECT_EQ(list.Append("y"), 10);
 }
 
@@ -105,39 +106,6 @@ TEST_F(Containers, RegistryValues) {
   change_at_second_question("abcdefgh");
   EXPECT_FALSE(read("Software\\Test", "bytes").present());
   EXPECT_EQ(machine_.handles.OpenObjects(), open_before);
-}
-
-INT_PTR Seven() {
-  return 7;
-}
-
-TEST_F(Containers, LibrariesAreBoundWholeOrNotAtAll) {
-  constexpr std::array<const char*, 2> kNames = {"First", "Second"};
-  machine_.libraries.Add(
-      {.name = "EXTRA.DLL",
-       .exports = {{"First", host::Export(Seven)}, {"Second", host::Export(Seven)}}});
-  {
-    BoundLibrary<2> library;
-    ASSERT_TRUE(library.Bind("EXTRA.DLL", kNames));
-    EXPECT_EQ(library.Get<INT_PTR (*)()>(1)(), 7);
-    EXPECT_EQ(machine_.libraries.References("EXTRA.DLL"), 1U);
-  }
-  EXPECT_EQ(machine_.libraries.References("EXTRA.DLL"), 0U);
-  // A library that was there before stays.
-  const HMODULE module = LoadLibraryA("EXTRA.DLL");
-  {
-    BoundLibrary<2> library;
-    EXPECT_TRUE(library.Bind("EXTRA.DLL", kNames));
-  }
-  EXPECT_EQ(machine_.libraries.References("EXTRA.DLL"), 1U);
-  FreeLibrary(module);
-  machine_.libraries.RemoveExport("EXTRA.DLL", "Second");
-  BoundLibrary<2> library;
-  EXPECT_FALSE(library.Bind("EXTRA.DLL", kNames));
-  EXPECT_FALSE(library.bound());
-  EXPECT_EQ(machine_.libraries.References("EXTRA.DLL"), 0U);
-  machine_.libraries.Remove("EXTRA.DLL");
-  EXPECT_FALSE(library.Bind("EXTRA.DLL", kNames));
 }
 
 }  // namespace
