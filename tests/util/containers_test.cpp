@@ -5,6 +5,7 @@
 #include "platform/host/machine.h"
 #include "platform/win32.h"
 #include "tests/support/test_folder.h"
+#include "util/library.h"
 #include "util/profile_text.h"
 #include "util/registry.h"
 #include "util/string_list.h"
@@ -106,6 +107,22 @@ TEST_F(Containers, RegistryValues) {
   change_at_second_question("abcdefgh");
   EXPECT_FALSE(read("Software\\Test", "bytes").present());
   EXPECT_EQ(machine_.handles.OpenObjects(), open_before);
+}
+
+INT_PTR Seven() {
+  return 7;
+}
+
+TEST_F(Containers, ALibraryThatWasThereBeforeStays) {
+  machine_.libraries.Add({.name = "EXTRA.DLL", .exports = {{"First", host::Export(Seven)}}});
+  const HMODULE module = LoadLibraryA("EXTRA.DLL");
+  {
+    BoundLibrary<1> library;
+    ASSERT_TRUE(library.Bind("EXTRA.DLL", {"First"}));
+    EXPECT_EQ(library.Get<INT_PTR (*)()>(0)(), 7);
+  }
+  EXPECT_EQ(machine_.libraries.References("EXTRA.DLL"), 1U);
+  FreeLibrary(module);
 }
 
 }  // namespace
