@@ -6,6 +6,7 @@
 #include "linux/path_check.h"
 #include "linux/profile_finding.h"
 #include "platform/host/code_page.h"
+#include "platform/host/profile_file.h"
 #include "scans/folder_tree.h"
 #include "scans/list_entry.h"
 #include "util/numbers.h"
@@ -204,6 +205,10 @@ void CheckPlugIn(const std::string& whole, Reasons& reasons) {
     reasons.emplace_back(
         "the blank behind the comma counts as part of the function's name, so the function is not "
         "found: leave the blank out");
+  } else if (IsWholeNumber(function)) {
+    reasons.push_back(
+        QuotedForFinding(function) +
+        " behind the last comma is taken for the name of the function: leave the number out");
   } else if (EndsWithNoCase(function, kLibraryEnding)) {
     reasons.push_back(QuotedForFinding(function) +
                       " is taken for the name of the function: write the library first");
@@ -214,12 +219,16 @@ void CheckPlugIn(const std::string& whole, Reasons& reasons) {
   AddPathFaults(library, kLibrary, reasons);
 }
 
-// A number behind a comma, as other lists have it.
+// Something behind the library, as another one, or a number as other lists have it.
 void CheckDll(const std::string& entry, Reasons& reasons) {
-  const std::size_t comma = entry.rfind(',');
-  if (comma != std::string::npos && IsWholeNumber(std::string_view(entry).substr(comma + 1))) {
-    reasons.push_back("the whole line is the name of the library, and " +
-                      QuotedForFinding(entry.substr(comma)) + " belongs to it: leave that out");
+  const std::string small = LowerCase(entry);
+  const std::size_t ending = small.find(kLibraryEnding);
+  const std::size_t end =
+      ending == std::string::npos ? entry.size() : ending + kLibraryEnding.size();
+  if (end < entry.size() && std::string_view(" ,;").find(entry[end]) != std::string_view::npos) {
+    reasons.push_back("the whole line is the name of one library, and " +
+                      QuotedForFinding(std::string_view(entry).substr(end)) +
+                      " belongs to it: write one library to a line, and nothing else");
   }
   AddPathFaults(entry, kLibrary, reasons);
 }
@@ -247,7 +256,7 @@ std::string RegistryEntryMeant(std::string_view text) {
     if (EqualNoCase(text.substr(0, start.size()), start)) text.remove_prefix(start.size());
   }
   const std::string_view name = text.substr(0, text.find_first_of("\\/:,"));
-  const hostscope::HiveName* const hive = FindHive(name, true);
+  const hostscope::HiveName* const hive = FindHive(TrimProfileText(name), true);
   if (hive == nullptr) return {};
   std::string rest(text.substr(name.size()));
   if (rest.starts_with(':')) rest.erase(0, 1);
