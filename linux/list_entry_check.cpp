@@ -105,8 +105,7 @@ void CheckSubkey(std::string_view subkey, Reasons& reasons) {
   if (HoldsWildcard(subkey)) {
     reasons.emplace_back(
         "a \"*\" does not stand for several keys, so no key is found: name the key above them, "
-        "with "
-        "a number for everything below it");
+        "with a number for everything below it");
   }
 }
 
