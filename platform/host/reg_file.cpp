@@ -179,10 +179,12 @@ bool RegParser::ReadKeyLine() {
   std::string_view path = line.substr(1, end - 1);
   const bool deletion = path.starts_with('-');
   if (deletion) path.remove_prefix(1);
+  const bool has_empty_part = path.ends_with('\\') || path.find("\\\\") != std::string_view::npos;
   const std::string_view hive_name = path.substr(0, path.find('\\'));
   path.remove_prefix(std::min(path.size(), hive_name.size() + 1));
   const std::optional<Hive> hive = HiveByName(hive_name);
   if (!hive) return FailAt(begin, "\"" + Shown(hive_name) + "\" is no hive");
+  if (has_empty_part) return FailAt(begin, "a key without a name: there is a backslash too many");
   if (HasLongPart(path, is_utf8_))
     return FailAt(begin, "a key's name has more than 255 characters");
   key_ = nullptr;

@@ -116,7 +116,6 @@ TEST(RegFile, Keys) {
   } rows[] = {
       {"[HKEY_LOCAL_MACHINE]\r\n@=\"x\"", ":1=x<00>;}"},
       {"[HKEY_LOCAL_MACHINE\\a\\b]\n[hkey_local_machine\\A\\c]", "a{b{}c{}}}"},
-      {"[HKEY_LOCAL_MACHINE\\a\\]\n[HKEY_LOCAL_MACHINE\\a\\\\b]", "a{b{}}}"},
       {"[HKEY_LOCAL_MACHINE\\a]b[c]\n@=-", "a]b[c{}}"},
       {"[HKEY_LOCAL_MACHINE\\a] ; the first", "a{}}"},
       {"  [HKEY_LOCAL_MACHINE\\a b ]  ", "a b {}}"},
@@ -205,6 +204,8 @@ TEST(RegFile, WhatIsWrongIsSaidWithItsLine) {
       {kV4 + "[HKEY_LOCALMACHINE\\\xC4]", "3: \"HKEY_LOCALMACHINE\" is no hive"},
       {kV4 + "[\xC4]", "3: \"\xC3\x84\" is no hive"},
       {kV4 + "[]", "3: \"\" is no hive"},
+      {kV4 + "[HKEY_LOCAL_MACHINE\\a\\\\b]", "3: a key without a name"},
+      {kV4 + "[-HKEY_LOCAL_MACHINE\\a\\]", "3: a key without a name"},
       {kV4 + "[-HKEY_LOCAL_MACHINE]", "3: a hive cannot be deleted"},
       {kV4 + "[HKEY_LOCAL_MACHINE\\a\\" + long_name + "]", "3: a key's name has more than 255"},
       {kV4 + "\"a\"=\"x\"", "3: a value without a key"},
